@@ -1,0 +1,288 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/CCommandLineTool.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <istream>
+#include <iterator>
+#include <map>
+#include <optional>
+#include <ostream>
+#include <set>
+
+#include "model/CCrtRandom.h"
+#include "model/CMorseAlphabet.h"
+#include "model/CodePatterns.h"
+#include "model/CProfileSettings.h"
+#include "model/CRandomText.h"
+#include "model/CompletionEstimate.h"
+
+namespace {
+
+constexpr std::string_view kProgram = "tonwerk-cli";
+constexpr std::string_view kVersion = "1.0.0";
+
+// Bounds of what the trainer itself accepts, so the tool never does more than a practice text.
+constexpr long long kMaxWordsPerMinute = 1000;
+constexpr long long kMaxFarnsworth = 99;
+constexpr long long kMaxGroups = 100000;
+constexpr long long kMaxGroupSize = 1000;
+constexpr long long kMaxCallSigns = 10000;
+constexpr long long kSeedLimit = 1LL << 62;
+
+}  // namespace
+
+struct CCommandLineTool::Command {
+    std::string_view name;
+    std::string_view usage;
+    std::string_view summary;
+    std::vector<std::string_view> valueOptions;
+    std::vector<std::string_view> flags;
+    int (CCommandLineTool::*handler)(Options&);
+};
+
+struct CCommandLineTool::Options {
+    const Command* command = nullptr;
+    std::map<std::string, std::string, std::less<>> values;
+    std::set<std::string, std::less<>> flags;
+    std::vector<std::string> text;
+
+    bool Has(std::string_view flag) const { return flags.contains(flag); }
+};
+
+// The subcommands, in the order the help lists them.
+const std::vector<CCommandLineTool::Command>& CCommandLineTool::Commands() {
+    static const std::vector<Command> commands = {
+        {"encode", "encode [--double-space|--no-double-space] [TEXT]",
+         "Print the code text of TEXT. Without a flag the profile's Double Space setting decides.",
+         {},
+         {"--double-space", "--no-double-space"},
+         &CCommandLineTool::Encode},
+        {"decode", "decode [CODE]",
+         "Print the text of a code text; \"/\" is a blank, unknown patterns vanish.",
+         {},
+         {},
+         &CCommandLineTool::Decode},
+        {"estimate", "estimate --wpm N [--farnsworth F] [TEXT]",
+         "Print how long sending TEXT takes: the clock text HH:MM:SS, then seconds.",
+         {"--wpm", "--farnsworth"},
+         {},
+         &CCommandLineTool::Estimate},
+        {"random", "random --count N --size N --chars SET [--seed S]",
+         "Print COUNT random groups of SIZE characters taken from SET.",
+         {"--count", "--size", "--chars", "--seed"},
+         {},
+         &CCommandLineTool::Random},
+        {"callsigns", "callsigns --count N [--seed S]",
+         "Print COUNT random US call signs; S is the start time in seconds.",
+         {"--count", "--seed"},
+         {},
+         &CCommandLineTool::CallSigns},
+    };
+    return commands;
+}
+
+CCommandLineTool::CCommandLineTool(IProfile& profile, std::istream& in, std::ostream& out,
+                                   std::ostream& err, long long (*clock)())
+    : m_profile(profile), m_in(in), m_out(out), m_err(err), m_clock(clock) {}
+
+int CCommandLineTool::Usage(std::string_view message) {
+    m_err << kProgram << ": " << message << " (see '" << kProgram << " --help')\n";
+    return kExitUsage;
+}
+
+int CCommandLineTool::Run(const std::vector<std::string>& args) {
+    if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
+        if (args.size() > 1) {
+            return Run({args[1], "--help"});
+        }
+        m_out << "Usage: " << kProgram << " COMMAND [OPTIONS] [TEXT]\n"
+              << "Morse code practice text from the command line. TEXT is the last argument;\n"
+              << "without it the text is read from standard input, byte for byte.\n\nCommands:\n";
+        for (const Command& command : Commands()) {
+            m_out << "  " << command.usage << "\n      " << command.summary << '\n';
+        }
+        m_out << "\n  " << kProgram << " COMMAND --help   help on one command\n  " << kProgram
+              << " --version        the version\n";
+        return args.empty() ? kExitUsage : kExitOk;
+    }
+    if (args[0] == "--version") {
+        m_out << kProgram << ' ' << kVersion << '\n';
+        return kExitOk;
+    }
+
+    Options options;
+    for (const Command& command : Commands()) {
+        if (command.name == args[0]) {
+            options.command = &command;
+        }
+    }
+    if (options.command == nullptr) {
+        return Usage("unknown command '" + args[0] + "'");
+    }
+    const Command& command = *options.command;
+    bool optionsEnded = false;
+    for (std::size_t i = 1; i < args.size(); ++i) {
+        const std::string& arg = args[i];
+        if (optionsEnded || arg.size() < 2 || arg.compare(0, 2, "--") != 0) {
+            if (arg != "-h") {
+                options.text.push_back(arg);
+                continue;
+            }
+        }
+        if (!optionsEnded && arg == "--") {
+            optionsEnded = true;
+        } else if (arg == "--help" || arg == "-h") {
+            m_out << "Usage: " << kProgram << ' ' << command.usage << '\n'
+                  << command.summary << '\n';
+            return kExitOk;
+        } else if (std::ranges::find(command.flags, arg) != command.flags.end()) {
+            options.flags.insert(arg);
+        } else if (std::ranges::find(command.valueOptions, arg) != command.valueOptions.end()) {
+            if (i + 1 >= args.size()) {
+                return Usage(std::string(command.name) + ": " + arg + " needs a value");
+            }
+            options.values[arg] = args[++i];
+        } else {
+            return Usage(std::string(command.name) + ": unknown option '" + arg + "'");
+        }
+    }
+    return (this->*command.handler)(options);
+}
+
+std::string CCommandLineTool::TextArgument(const Options& options) {
+    if (options.text.empty()) {
+        return std::string(std::istreambuf_iterator<char>(m_in), std::istreambuf_iterator<char>());
+    }
+    std::string text;
+    for (const std::string& word : options.text) {
+        if (!text.empty()) {
+            text += ' ';
+        }
+        text += word;
+    }
+    return text;
+}
+
+namespace {
+
+/// A whole number option within bounds; nullopt after reporting what is wrong.
+class CNumber {
+public:
+    CNumber(const CCommandLineTool::Options& options, std::ostream& err)
+        : m_options(options), m_err(err) {}
+
+    std::optional<long long> Get(std::string_view name, long long lowest, long long highest,
+                                 std::optional<long long> fallback = std::nullopt) {
+        const auto it = m_options.values.find(name);
+        if (it == m_options.values.end()) {
+            if (!fallback) {
+                Fail(std::string(name) + " is required");
+            }
+            return fallback;
+        }
+        const std::string& text = it->second;
+        long long value = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+        if (error != std::errc{} || end != text.data() + text.size() || value < lowest ||
+            value > highest) {
+            Fail(std::string(name) + " takes a whole number from " + std::to_string(lowest) +
+                 " to " + std::to_string(highest) + ", not '" + text + "'");
+            return std::nullopt;
+        }
+        return value;
+    }
+
+    bool Failed() const { return m_failed; }
+
+private:
+    void Fail(const std::string& message) {
+        if (!m_failed) {
+            m_err << kProgram << ' ' << m_options.command->name << ": " << message << '\n';
+        }
+        m_failed = true;
+    }
+
+    const CCommandLineTool::Options& m_options;
+    std::ostream& m_err;
+    bool m_failed = false;
+};
+
+}  // namespace
+
+int CCommandLineTool::Encode(Options& options) {
+    bool doubleSpace = CProfileSettings(m_profile).GetDblSpace() != 0;
+    if (options.Has("--double-space") && options.Has("--no-double-space")) {
+        return Usage("encode: --double-space and --no-double-space exclude each other");
+    }
+    if (options.Has("--double-space")) {
+        doubleSpace = true;
+    } else if (options.Has("--no-double-space")) {
+        doubleSpace = false;
+    }
+    m_out << CMorseAlphabet::TextToCode(TextArgument(options), doubleSpace) << '\n';
+    return kExitOk;
+}
+
+int CCommandLineTool::Decode(Options& options) {
+    m_out << CMorseAlphabet::CodeToText(TextArgument(options)) << '\n';
+    return kExitOk;
+}
+
+int CCommandLineTool::Estimate(Options& options) {
+    CNumber number(options, m_err);
+    const auto wpm = number.Get("--wpm", 1, kMaxWordsPerMinute);
+    const auto farnsworth = number.Get("--farnsworth", 0, kMaxFarnsworth, 0);
+    if (number.Failed()) {
+        return kExitUsage;
+    }
+    const double seconds =
+        EstimateSeconds(TextArgument(options), static_cast<int>(*wpm), static_cast<int>(*farnsworth));
+    char figure[64];
+    std::snprintf(figure, sizeof figure, "%.3f", seconds);
+    m_out << FormatCompletionTime(seconds) << '\n' << figure << '\n';
+    return kExitOk;
+}
+
+int CCommandLineTool::Random(Options& options) {
+    CNumber number(options, m_err);
+    const auto count = number.Get("--count", 0, kMaxGroups);
+    const auto size = number.Get("--size", 0, kMaxGroupSize);
+    const auto seed = number.Get("--seed", 0, kSeedLimit, m_clock());
+    if (number.Failed()) {
+        return kExitUsage;
+    }
+    const auto chars = options.values.find("--chars");
+    if (chars == options.values.end()) {
+        return Usage("random: --chars is required");
+    }
+    const std::string_view selectable = CMorseAlphabet::SelectableCharacters();
+    const std::string set = ToUpperAscii(chars->second);
+    for (const char c : set) {
+        if (selectable.find(c) == std::string_view::npos) {
+            return Usage(std::string("random: '") + c + "' is not a practice character");
+        }
+    }
+    const std::string selection =
+        CRandomText::BuildSelection([&](char c) { return set.find(c) != std::string::npos; });
+    if (selection.empty()) {
+        m_err << kProgram << " random: Please select some characters to use in the generation.\n";
+        return kExitUsage;
+    }
+    CCrtRandom rng(static_cast<std::uint32_t>(*seed));
+    m_out << CRandomText::Groups(selection, static_cast<int>(*count), static_cast<int>(*size), rng)
+          << '\n';
+    return kExitOk;
+}
+
+int CCommandLineTool::CallSigns(Options& options) {
+    CNumber number(options, m_err);
+    const auto count = number.Get("--count", 0, kMaxCallSigns);
+    const auto seed = number.Get("--seed", 0, kSeedLimit, m_clock());
+    if (number.Failed()) {
+        return kExitUsage;
+    }
+    m_out << CRandomText::CallSigns(static_cast<int>(*count), *seed) << '\n';
+    return kExitOk;
+}

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class IProfile;
+
+/// tonwerk-cli: the trainer's conversions, estimate and generators for scripts and terminals.
+class CCommandLineTool {
+public:
+    static constexpr int kExitOk = 0;
+    static constexpr int kExitFailure = 1;
+    static constexpr int kExitUsage = 2;
+
+    /// @param clock  seconds since the epoch, the generators' default seed
+    CCommandLineTool(IProfile& profile, std::istream& in, std::ostream& out, std::ostream& err,
+                     long long (*clock)());
+
+    /// Runs one command line (without the program name) and returns the exit status.
+    int Run(const std::vector<std::string>& args);
+
+    struct Command;
+    struct Options;
+
+private:
+    static const std::vector<Command>& Commands();
+
+    int Encode(Options& options);
+    int Decode(Options& options);
+    int Estimate(Options& options);
+    int Random(Options& options);
+    int CallSigns(Options& options);
+
+    int Usage(std::string_view message);
+    std::string TextArgument(const Options& options);
+
+    IProfile& m_profile;
+    std::istream& m_in;
+    std::ostream& m_out;
+    std::ostream& m_err;
+    long long (*m_clock)();
+};
