@@ -23,13 +23,14 @@ public:
     /// One string, or nullopt with m_error set.
     std::optional<std::string> ReadString(const char* what) {
         std::uint64_t length = 0;
-        if (!ReadLength(length, what)) {
+        bool wide = false;
+        if (!ReadLength(length, wide, what)) {
             return std::nullopt;
         }
         std::size_t charSize = 1;
-        if (length == kWideMarker) {
+        if (wide) {
             charSize = 2;
-            if (!ReadLength(length, what)) {
+            if (!ReadLength(length, wide, what)) {
                 return std::nullopt;
             }
         }
@@ -76,13 +77,18 @@ private:
         return true;
     }
 
-    // Returns the string's length in characters, or the wide marker itself.
-    bool ReadLength(std::uint64_t& length, const char* what) {
+    // The string's length in characters, or wide = true where the wide-string marker stands.
+    bool ReadLength(std::uint64_t& length, bool& wide, const char* what) {
+        wide = false;
         if (!ReadUnsigned(length, 1, what) || length < kEscape) {
             return m_error.empty();
         }
-        if (!ReadUnsigned(length, 2, what) || length < kWord - 1 || length == kWideMarker) {
+        if (!ReadUnsigned(length, 2, what) || length < kWideMarker) {
             return m_error.empty();
+        }
+        if (length == kWideMarker) {
+            wide = true;
+            return true;
         }
         return ReadUnsigned(length, 4, what);
     }
@@ -98,7 +104,7 @@ void CCodeFile::AppendString(std::string& out, std::string_view text) {
     const std::uint64_t length = text.size();
     if (length < kEscape) {
         AppendLittleEndian(out, length, 1);
-    } else if (length < kWord - 1) {
+    } else if (length < kWideMarker) {
         out += static_cast<char>(kEscape);
         AppendLittleEndian(out, length, 2);
     } else {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "profile/CQtProfile.h"
 
+#include <limits>
+
 namespace {
 
 QString Key(std::string_view section, std::string_view entry) {
@@ -26,8 +28,11 @@ int CQtProfile::GetInt(std::string_view section, std::string_view entry,
         return defaultValue;
     }
     bool ok = false;
-    const int number = value.toInt(&ok);
-    return ok ? number : defaultValue;
+    const qlonglong number = value.toLongLong(&ok);
+    if (!ok || number < std::numeric_limits<int>::min() || number > std::numeric_limits<int>::max()) {
+        return defaultValue;
+    }
+    return static_cast<int>(number);
 }
 
 bool CQtProfile::WriteInt(std::string_view section, std::string_view entry, int value) {

@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/CCommandLineTool.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+#include "model/CMemoryProfile.h"
+#include "model/CRandomText.h"
+
+namespace {
+
+long long FixedClock() { return 1700000000; }
+
+struct Result {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+Result RunTool(std::vector<std::string> args, const std::string& input = {},
+           CMemoryProfile* profile = nullptr) {
+    CMemoryProfile empty;
+    std::istringstream in(input);
+    std::ostringstream out;
+    std::ostringstream err;
+    CCommandLineTool tool(profile ? *profile : empty, in, out, err, &FixedClock);
+    const int status = tool.Run(args);
+    return {status, out.str(), err.str()};
+}
+
+TEST(CommandLineTool, EncodeFromArgumentOrStandardInput) {
+    EXPECT_EQ(RunTool({"encode", "AB C"}).out, " .- -... / -.-.\n");
+    EXPECT_EQ(RunTool({"encode"}, "a b\n").out, " .- / -...\n");
+    EXPECT_EQ(RunTool({"encode", "CQ", "DE", "K5AB"}).out, RunTool({"encode", "CQ DE K5AB"}).out);
+    EXPECT_EQ(RunTool({"encode", "--double-space", "E"}).out, " . \n");
+    EXPECT_EQ(RunTool({"encode", "--", "--"}).out, " -....- -....-\n");
+}
+
+TEST(CommandLineTool, EncodeFollowsTheProfilesDoubleSpaceUnlessToldOtherwise) {
+    CMemoryProfile profile;
+    profile.WriteInt("UserSettings", "DblSpace", 1);
+    EXPECT_EQ(RunTool({"encode", "E"}, {}, &profile).out, " . \n");
+    EXPECT_EQ(RunTool({"encode", "--no-double-space", "E"}, {}, &profile).out, " .\n");
+    EXPECT_EQ(RunTool({"encode", "--double-space", "--no-double-space", "E"}).status, 2);
+}
+
+TEST(CommandLineTool, DecodeTreatsDashArgumentsAsCode) {
+    EXPECT_EQ(RunTool({"decode", " .- / -... ?? ."}).out, "A BE\n");
+    EXPECT_EQ(RunTool({"decode", "-.-."}).out, "C\n");
+    EXPECT_EQ(RunTool({"decode"}, "... --- ...\n").out, "SOS\n");
+}
+
+TEST(CommandLineTool, EstimatePrintsClockAndSeconds) {
+    EXPECT_EQ(RunTool({"estimate", "--wpm", "12", "PARIS "}).out, "00:00:04\n4.900\n");
+    EXPECT_EQ(RunTool({"estimate", "--wpm", "15", "E"}).out, "00:00:00\n0.240\n");
+    EXPECT_EQ(RunTool({"estimate", "--wpm", "12", "--farnsworth", "3", "E E"}).out,
+              "00:00:02\n2.400\n");
+    EXPECT_EQ(RunTool({"estimate", "--wpm", "20"}, "").out, "00:00:00\n0.000\n");
+}
+
+TEST(CommandLineTool, RandomAndCallSignsAreReproducible) {
+    EXPECT_EQ(RunTool({"random", "--count", "2", "--size", "5", "--chars", "E", "--seed", "9"}).out,
+              "EEEEE EEEEE \n");
+    const Result a = RunTool({"random", "--count", "20", "--size", "5", "--chars", "?mk0"});
+    const Result b = RunTool({"random", "--count", "20", "--size", "5", "--chars", "0km??"});
+    EXPECT_EQ(a.status, 0);
+    EXPECT_EQ(a.out, b.out);  // order, case and duplicates of SET do not matter
+    EXPECT_EQ(a.out.find_first_not_of("KM0? \n"), std::string::npos);
+    EXPECT_EQ(RunTool({"callsigns", "--count", "5"}).out,
+              CRandomText::CallSigns(5, FixedClock()) + "\n");
+    EXPECT_EQ(RunTool({"callsigns", "--count", "5", "--seed", "1000"}).out,
+              CRandomText::CallSigns(5, 1000) + "\n");
+}
+
+TEST(CommandLineTool, UsageErrorsExitWithTwoAndOneLine) {
+    const std::vector<std::vector<std::string>> wrong = {
+        {"transmit"},
+        {"estimate", "PARIS"},
+        {"estimate", "--wpm", "fast", "PARIS"},
+        {"estimate", "--wpm", "0", "PARIS"},
+        {"estimate", "--wpm", "12x"},
+        {"estimate", "--wpm", "99999999999999999999999"},
+        {"estimate", "--wpm", "12", "--farnsworth", "-1"},
+        {"estimate", "--wpm"},
+        {"encode", "--loud"},
+        {"random", "--count", "2", "--size", "5"},
+        {"random", "--count", "2", "--size", "5", "--chars", "E<"},
+        {"random", "--count", "-2", "--size", "5", "--chars", "E"},
+        {"random", "--count", "2", "--size", "5", "--chars", ""},
+        {"callsigns", "--count", "100000"},
+    };
+    for (const auto& args : wrong) {
+        const Result result = RunTool(args);
+        EXPECT_EQ(result.status, 2) << args[0] << ' ' << result.err;
+        EXPECT_EQ(result.out, "") << args[0];
+        EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+    }
+    EXPECT_EQ(RunTool({"random", "--count", "2", "--size", "5", "--chars", ""}).err,
+              "tonwerk-cli random: Please select some characters to use in the generation.\n");
+}
+
+TEST(CommandLineTool, HelpAndVersion) {
+    const Result help = RunTool({"--help"});
+    EXPECT_EQ(help.status, 0);
+    for (const char* command : {"encode", "decode", "estimate", "random", "callsigns"}) {
+        EXPECT_NE(help.out.find(command), std::string::npos) << command;
+        const Result one = RunTool({command, "--help"});
+        EXPECT_EQ(one.status, 0);
+        EXPECT_EQ(one.out.rfind(std::string("Usage: tonwerk-cli ") + command, 0), 0u) << one.out;
+    }
+    EXPECT_EQ(RunTool({"--version"}).out, "tonwerk-cli 1.0.0\n");
+    EXPECT_EQ(RunTool({}).status, 2);
+}
+
+// The real executable, fed binary bytes and a large text through its standard input.
+TEST(CommandLineToolBinary, SurvivesAnyInput) {
+    const char* binaryDir = std::getenv("TONWERK_BINARY_DIR");
+    ASSERT_NE(binaryDir, nullptr);
+    const std::string tool = std::string(binaryDir) + "/cli/tonwerk-cli";
+    const std::string input = ::testing::TempDir() + "tonwerk-cli-input.bin";
+    std::mt19937 engine(5);
+    {
+        std::ofstream file(input, std::ios::binary);
+        for (int i = 0; i < 3'000'000; ++i) {
+            file.put(static_cast<char>(engine()));
+        }
+    }
+    for (const char* command : {"encode", "decode", "estimate --wpm 5 --farnsworth 99"}) {
+        const std::string line =
+            "XDG_CONFIG_HOME=" + ::testing::TempDir() + " " + tool + " " + command + " < " +
+            input + " > /dev/null";
+        const int status = std::system(line.c_str());
+        ASSERT_TRUE(WIFEXITED(status)) << command;
+        EXPECT_EQ(WEXITSTATUS(status), 0) << command;
+    }
+    const int status = std::system((tool + " frobnicate 2> /dev/null").c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 2);
+}
+
+}  // namespace
