@@ -64,7 +64,9 @@ bool Beep(std::uint32_t frequency, std::uint32_t milliseconds) {
             ok = false;
         }
     }
-    WaveOutReset(output);
+    if (!ok) {
+        WaveOutReset(output);
+    }
     WaveOutClose(output);
     return ok;
 }

@@ -35,6 +35,8 @@ constexpr auto kTeardownWait = 800ms;
 constexpr auto kIdlePoll = 20ms;
 constexpr auto kBusyPoll = 1ms;
 constexpr int kLayerThreadPriority = 10;
+/// Weight of one period's report in the stream clock (about 150 periods to follow a change).
+constexpr double kAnchorSmoothing = 0.007;
 constexpr std::int64_t kSettleNs = 150'000'000;
 constexpr auto kSettleWait = 800ms;
 /// A buffer written to an idle output starts this long after the write, by the stream clock:
@@ -408,6 +410,11 @@ struct WaveOutDevice final : DeviceCore {
         }
     }
     std::atomic<double> m_measuredLatency{0.0};
+    // The stream's own clock: when its frame 0 is heard, smoothed over many periods, so a
+    // period whose delay report jitters on a busy machine does not move a tone.
+    std::uint64_t m_streamFrames = 0;
+    double m_anchorNs = 0.0;
+    bool m_anchored = false;
     // Owned by the layer thread.
     std::deque<Completion> m_waiting;
 
@@ -436,10 +443,21 @@ struct WaveOutDevice final : DeviceCore {
             m_resetAnswered.store(reset);
         }
         const double rate = m_format.samplesPerSec;
+        const double anchor = static_cast<double>(now) + latency * 1e9 -
+                              static_cast<double>(m_streamFrames) / rate * 1e9;
+        if (!m_anchored || m_latency == 0.0) {
+            m_anchorNs = anchor;
+            m_anchored = m_latency != 0.0;
+        } else {
+            m_anchorNs += (anchor - m_anchorNs) * kAnchorSmoothing;
+        }
+        const auto heardAt = [&](unsigned long frame) {
+            return static_cast<std::int64_t>(
+                m_anchorNs + static_cast<double>(m_streamFrames + frame) / rate * 1e9);
+        };
         unsigned long done = 0;
         while (!m_paused.load(std::memory_order_relaxed) && done < frames) {
-            const std::int64_t frameNs =
-                now + static_cast<std::int64_t>((latency + static_cast<double>(done) / rate) * 1e9);
+            const std::int64_t frameNs = heardAt(done);
             if (m_current.header == nullptr) {
                 if (!m_submitted.Pop(m_current)) {
                     break;
@@ -461,8 +479,7 @@ struct WaveOutDevice final : DeviceCore {
                     }
                 }
                 // From here on the end is certain: give the header back a lead before it.
-                const std::int64_t startNs =
-                    now + static_cast<std::int64_t>((latency + static_cast<double>(done) / rate) * 1e9);
+                const std::int64_t startNs = heardAt(done);
                 m_lastEndNs = startNs + static_cast<std::int64_t>((usable / blockAlign) / rate * 1e9);
                 m_heardEndNs.store(m_lastEndNs, std::memory_order_relaxed);
                 m_completed.Push(
@@ -483,6 +500,7 @@ struct WaveOutDevice final : DeviceCore {
             }
         }
         std::memset(out + done * blockAlign, silence, (frames - done) * blockAlign);
+        m_streamFrames += frames;
         LeaveCallback();
         return paContinue;
     }
