@@ -98,6 +98,18 @@ public:
         return tones;
     }
 
+    /// Pitch from zero crossings over count samples from start.
+    static double PitchOf(const std::vector<std::int16_t>& samples, std::size_t start,
+                          std::size_t count) {
+        std::size_t crossings = 0;
+        for (std::size_t k = start + 1; k < start + count && k < samples.size(); ++k) {
+            if ((samples[k - 1] < 0) != (samples[k] < 0)) {
+                ++crossings;
+            }
+        }
+        return crossings / 2.0 / (static_cast<double>(count) / kSinkRate);
+    }
+
 private:
     void Read() {
         std::int16_t block[512];
