@@ -63,7 +63,7 @@ private:
     }
 };
 
-} // namespace
+}  // namespace
 
 std::unique_ptr<IMidiOutputEnumerator> MakeSystemMidiEnumerator() {
     return std::make_unique<AlsaMidiEnumerator>();

@@ -28,7 +28,7 @@ snd_mixer_t* OpenCard() {
     return mixer;
 }
 
-} // namespace
+}  // namespace
 
 struct MixerDevice {
     snd_mixer_t* mixer = nullptr;
@@ -57,7 +57,7 @@ snd_mixer_elem_t* FindVolumeElement(snd_mixer_t* mixer) {
     return nullptr;
 }
 
-} // namespace
+}  // namespace
 
 unsigned MixerGetNumDevs() {
     snd_mixer_t* mixer = OpenCard();

@@ -5,8 +5,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 #include <cstdint>
+#include <numbers>
 #include <vector>
 
 namespace {
@@ -19,7 +19,7 @@ constexpr double kAmplitude = 16000.0;
 /// A chunk that is not done this long after it should have been means the output is gone.
 constexpr std::uint32_t kChunkWaitMicroseconds = (100 + 1000) * 1000;
 
-} // namespace
+}  // namespace
 
 bool Beep(std::uint32_t frequency, std::uint32_t milliseconds) {
     if (frequency < kLowestFrequency || frequency > kHighestFrequency) {
@@ -46,7 +46,8 @@ bool Beep(std::uint32_t frequency, std::uint32_t milliseconds) {
             break;
         }
         WaveOutUnprepareHeader(output, &header, sizeof header);
-        const auto count = static_cast<std::uint32_t>(std::min<std::uint64_t>(kChunkSamples, total - written));
+        const auto count =
+            static_cast<std::uint32_t>(std::min<std::uint64_t>(kChunkSamples, total - written));
         for (std::uint32_t i = 0; i < count; ++i) {
             chunks[turn][i] = static_cast<std::int16_t>(
                 kAmplitude * std::sin(step * static_cast<double>((written + i) % kRate)));

@@ -13,9 +13,11 @@ bool SameFormat(const WaveFormat& a, const WaveFormat& b) {
            a.blockAlign == b.blockAlign;
 }
 
-} // namespace
+}  // namespace
 
-CClipPlayer::~CClipPlayer() { CloseDevice(); }
+CClipPlayer::~CClipPlayer() {
+    CloseDevice();
+}
 
 bool CClipPlayer::Play(const void* image, std::size_t size) {
     CWave wave;

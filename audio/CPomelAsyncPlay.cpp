@@ -17,7 +17,7 @@ constexpr auto kPoll = std::chrono::milliseconds(1);
 constexpr unsigned kWaitEnded = 0;
 constexpr unsigned kWaitTimedOut = 258;
 
-} // namespace
+}  // namespace
 
 std::atomic<CPomelAsyncPlay*> CPomelAsyncPlay::s_instance{nullptr};
 
@@ -68,7 +68,7 @@ int CPomelAsyncPlay::AddTone(int frequency, double duration) {
         return 0;
     }
     if (!(duration >= 0.0)) {
-        return 0; // no tone has a negative (or no) length
+        return 0;  // no tone has a negative (or no) length
     }
     std::unique_lock guard(m_lock);
     if (m_currentSlot != -1) {
@@ -208,7 +208,9 @@ unsigned CPomelAsyncPlay::StopThreadWait() {
     return kWaitEnded;
 }
 
-int CPomelAsyncPlay::StopThread() { return StopThreadWait() == kWaitEnded ? 1 : 0; }
+int CPomelAsyncPlay::StopThread() {
+    return StopThreadWait() == kWaitEnded ? 1 : 0;
+}
 
 int CPomelAsyncPlay::QueuedCount() {
     int queued = 0;

@@ -9,7 +9,7 @@ namespace {
 /// 6.2832 / 44100: this player's own approximation of 2 pi, kept.
 constexpr double kPhaseStep = 0.00014247619047619048;
 constexpr int kRate = 44100;
-} // namespace
+}  // namespace
 
 CPomelPCM::CPomelPCM() {
     m_buffer = new (std::nothrow) unsigned char[kBufferBytes];
@@ -19,7 +19,9 @@ CPomelPCM::CPomelPCM() {
     }
 }
 
-CPomelPCM::~CPomelPCM() { delete[] m_buffer; }
+CPomelPCM::~CPomelPCM() {
+    delete[] m_buffer;
+}
 
 int CPomelPCM::Allocate(std::uint32_t size) {
     delete[] m_buffer;

@@ -25,7 +25,7 @@ std::vector<unsigned char*>& CapabilityRecords() {
     return *records;
 }
 
-} // namespace
+}  // namespace
 
 CPomelSyncPlay::CPomelSyncPlay() {
     m_format.formatTag = kWaveFormatPcm;
@@ -74,6 +74,7 @@ int CPomelSyncPlay::PlayTone(double frequency, double duration) {
             std::chrono::milliseconds(static_cast<long long>(m_duration * 1000)));
         return 1;
     }
+    const std::int64_t requested = WaveClockNs();
     m_frequency = frequency;
     m_duration = duration;
     const double wanted = m_sampleRate * duration;
@@ -89,6 +90,7 @@ int CPomelSyncPlay::PlayTone(double frequency, double duration) {
     m_format.blockAlign = 1;
     m_format.bitsPerSample = 8;
     m_header.Clear();
+    m_header.requestedNs = requested;
     SynthesizeTone(m_samples, count, frequency, m_sampleRate);
     return PlayHeldSamples();
 }
@@ -97,6 +99,7 @@ int CPomelSyncPlay::PlayPrepared() {
     if (m_samples == nullptr) {
         return 0;
     }
+    m_header.requestedNs = 0;
     return PlayHeldSamples();
 }
 

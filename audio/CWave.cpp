@@ -32,9 +32,11 @@ std::uint32_t GetU32(const unsigned char* at) {
            (std::uint32_t{at[3]} << 24);
 }
 
-} // namespace
+}  // namespace
 
-CWave::CWave() { m_format = WaveFormat{kWaveFormatPcm, 0, 0, 0, 0, 0, 0}; }
+CWave::CWave() {
+    m_format = WaveFormat{kWaveFormatPcm, 0, 0, 0, 0, 0, 0};
+}
 
 CWave::~CWave() = default;
 
@@ -140,7 +142,8 @@ bool CWave::LoadFromMemory(const void* image, std::size_t size) {
             // A truncated file keeps what it holds.
             const std::size_t length = std::min<std::size_t>(chunkSize, available);
             const auto samples = static_cast<std::uint32_t>(length / format.blockAlign);
-            auto* data = new (std::nothrow) char[samples == 0 ? 1 : std::size_t{samples} * format.blockAlign];
+            auto* data = new (
+                std::nothrow) char[samples == 0 ? 1 : std::size_t{samples} * format.blockAlign];
             if (data == nullptr) {
                 return false;
             }

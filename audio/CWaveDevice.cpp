@@ -10,7 +10,7 @@ constexpr unsigned kOutputCapsSize = 52;
 std::string NameOf(const char (&name)[kWaveNameLength]) {
     return std::string(name, std::find(name, name + kWaveNameLength, '\0'));
 }
-} // namespace
+}  // namespace
 
 bool CWaveDevice::IsInputFormat(const CWave& wave) const {
     return WaveInOpen(nullptr, m_device, &wave.GetFormat(), nullptr, 0, kWaveFormatQuery) ==

@@ -9,7 +9,7 @@
 namespace {
 constexpr auto kSettleBeforeReset = std::chrono::milliseconds(10);
 constexpr unsigned kErrorTextLength = 256;
-} // namespace
+}  // namespace
 
 CWaveIn::CWaveIn() = default;
 

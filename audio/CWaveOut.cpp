@@ -6,7 +6,7 @@
 namespace {
 constexpr unsigned kErrorTextLength = 256;
 constexpr int kChunksAhead = 3;
-} // namespace
+}  // namespace
 
 CWaveOut::CWaveOut() = default;
 
@@ -51,6 +51,7 @@ bool CWaveOut::Play(std::uint32_t first, std::uint32_t last) {
         return false;
     }
     WaveOutReset(m_handle);
+    std::lock_guard guard(m_chunkLock);
     SetRange(first, last);
     m_header = 2;
     for (int i = 0; i < kChunksAhead; ++i) {
@@ -90,6 +91,7 @@ bool CWaveOut::PlayLooped(std::uint32_t first, std::uint32_t last, std::uint32_t
         return false;
     }
     WaveOutReset(m_handle);
+    std::lock_guard guard(m_chunkLock);
     SetRange(first, last);
     WaveHeader& header = m_headers[0];
     WaveOutUnprepareHeader(m_handle, &header, sizeof header);
@@ -112,6 +114,7 @@ void CWaveOut::Callback(WaveOutHandle device, unsigned message, std::uintptr_t i
         return;
     }
     auto* self = reinterpret_cast<CWaveOut*>(instance);
+    std::lock_guard guard(self->m_chunkLock);
     WaveOutUnprepareHeader(device, header, sizeof *header);
     if (self->m_current.load() < self->m_end.load()) {
         self->WriteNextChunk();

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <mutex>
 #include <string>
 
 /// Plays a wave in chunks of up to 4096 bytes through three headers taking turns.
@@ -39,8 +40,10 @@ private:
     static void Callback(WaveOutHandle device, unsigned message, std::uintptr_t instance,
                          WaveHeader* header);
     void SetRange(std::uint32_t first, std::uint32_t last);
+    /// Called by Play and by the device's done callback; m_chunkLock held.
     bool WriteNextChunk();
 
+    std::mutex m_chunkLock;  // Play and the done callback both write the next chunk
     std::atomic<std::uint32_t> m_end{0};
     std::atomic<std::uint32_t> m_current{0};
     std::uint32_t m_chunkSize = 4096;

@@ -17,7 +17,7 @@ std::unique_ptr<IMidiOutputEnumerator>& Enumerator() {
     return enumerator;
 }
 
-} // namespace
+}  // namespace
 
 void SetMidiOutputEnumerator(std::unique_ptr<IMidiOutputEnumerator> enumerator) {
     std::lock_guard guard(g_lock);

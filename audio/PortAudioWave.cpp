@@ -54,7 +54,8 @@ constexpr std::int64_t kLeadMarginNs = 3'000'000;
 constexpr std::int64_t kWakeAllowanceNs = 350'000;
 
 /// A fixed ring for one producer and one consumer thread.
-template <typename T, std::size_t N> class SpscRing {
+template <typename T, std::size_t N>
+class SpscRing {
 public:
     bool Push(const T& value) {
         const std::size_t head = m_head.load(std::memory_order_relaxed);
@@ -83,8 +84,7 @@ private:
 };
 
 std::int64_t NowNs() {
-    return std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now().time_since_epoch())
-        .count();
+    return WaveClockNs();
 }
 
 /// Done flags time the caller's next tone, so the thread that sets them should wake on time even
@@ -169,9 +169,9 @@ PaStreamParameters StreamParameters(PaDeviceIndex device, const WaveFormat& form
     parameters.sampleFormat = format.bitsPerSample == 8 ? paUInt8 : paInt16;
     const PaDeviceInfo* info = Pa_GetDeviceInfo(device);
     if (info != nullptr) {
-        parameters.suggestedLatency =
-            output ? std::max(info->defaultLowOutputLatency, kOutputLatency)
-                   : info->defaultLowInputLatency;
+        parameters.suggestedLatency = output
+                                          ? std::max(info->defaultLowOutputLatency, kOutputLatency)
+                                          : info->defaultLowInputLatency;
     }
     return parameters;
 }
@@ -189,23 +189,24 @@ MmResult CheckFormatLocked(PaDeviceIndex device, const WaveFormat& format, bool 
         return kWaveBadFormat;
     }
     const PaStreamParameters parameters = StreamParameters(device, format, output);
-    const PaError answer = output ? Pa_IsFormatSupported(nullptr, &parameters, format.samplesPerSec)
-                                  : Pa_IsFormatSupported(&parameters, nullptr, format.samplesPerSec);
+    const PaError answer = output
+                               ? Pa_IsFormatSupported(nullptr, &parameters, format.samplesPerSec)
+                               : Pa_IsFormatSupported(&parameters, nullptr, format.samplesPerSec);
     return answer == paFormatIsSupported ? kMmNoError : kWaveBadFormat;
 }
 
 MmResult ResultOfOpenError(PaError error) {
     switch (error) {
-    case paInsufficientMemory:
-        return kMmNoMemory;
-    case paDeviceUnavailable:
-        return kMmAllocated;
-    case paInvalidSampleRate:
-    case paSampleFormatNotSupported:
-    case paInvalidChannelCount:
-        return kWaveBadFormat;
-    default:
-        return kMmNoDriver;
+        case paInsufficientMemory:
+            return kMmNoMemory;
+        case paDeviceUnavailable:
+            return kMmAllocated;
+        case paInvalidSampleRate:
+        case paSampleFormatNotSupported:
+        case paInvalidChannelCount:
+            return kWaveBadFormat;
+        default:
+            return kMmNoDriver;
     }
 }
 
@@ -359,7 +360,7 @@ private:
     std::uint64_t m_flushDone = 0;
 };
 
-} // namespace
+}  // namespace
 
 // ---------------------------------------------------------------------------------------------
 // Output
@@ -381,7 +382,7 @@ struct WaveOutDevice final : DeviceCore {
     };
 
     WaveOutProc m_callback = nullptr;
-    std::mutex m_submitLock; // serialises producers of m_submitted
+    std::mutex m_submitLock;  // serialises producers of m_submitted
     SpscRing<Submission, 512> m_submitted;
     SpscRing<Completion, 1024> m_completed;
     std::atomic<int> m_queued{0};
@@ -389,24 +390,25 @@ struct WaveOutDevice final : DeviceCore {
     std::atomic<std::uint32_t> m_resetRequested{0};
     std::atomic<std::uint32_t> m_resetAnswered{0};
     std::atomic<std::uint64_t> m_playedFrames{0};
-    std::atomic<std::int64_t> m_heardEndNs{0}; // when the last written sample will be heard
+    std::atomic<std::int64_t> m_heardEndNs{0};  // when the last written sample will be heard
 
     // Owned by the real-time callback (or by whoever disabled it).
     Submission m_current;
-    bool m_currentReturned = false; // its header already went back to the caller
+    bool m_currentReturned = false;  // its header already went back to the caller
     std::uint32_t m_offset = 0;
-    std::int64_t m_startNs = 0;   // when the current header's first sample is due
-    std::int64_t m_lastEndNs = 0; // when the previous header's last sample will be heard
-    double m_latency = 0.0;       // seconds from a callback to its first sample being heard
+    std::int64_t m_startNs = 0;    // when the current header's first sample is due
+    std::int64_t m_lastEndNs = 0;  // when the previous header's last sample will be heard
+    double m_latency = 0.0;        // seconds from a callback to its first sample being heard
     std::atomic<unsigned long> m_periodFrames{0};
-    std::int64_t m_leadNs = kOnsetLeadNs; // fixed once the stream has settled
+    std::int64_t m_leadNs = kOnsetLeadNs;  // fixed once the stream has settled
 
     /// The lead for this stream: its output delay and one period, plus a margin.
     void FixLead() {
         const double period = static_cast<double>(m_periodFrames.load()) / m_format.samplesPerSec;
         const double measured = m_measuredLatency.load() + period;
         if (measured > 0.0) {
-            m_leadNs = std::max(kOnsetLeadNs, static_cast<std::int64_t>(measured * 1e9) + kLeadMarginNs);
+            m_leadNs =
+                std::max(kOnsetLeadNs, static_cast<std::int64_t>(measured * 1e9) + kLeadMarginNs);
         }
     }
     std::atomic<double> m_measuredLatency{0.0};
@@ -480,7 +482,8 @@ struct WaveOutDevice final : DeviceCore {
                 }
                 // From here on the end is certain: give the header back a lead before it.
                 const std::int64_t startNs = heardAt(done);
-                m_lastEndNs = startNs + static_cast<std::int64_t>((usable / blockAlign) / rate * 1e9);
+                m_lastEndNs =
+                    startNs + static_cast<std::int64_t>((usable / blockAlign) / rate * 1e9);
                 m_heardEndNs.store(m_lastEndNs, std::memory_order_relaxed);
                 m_completed.Push(
                     {m_current.header, m_lastEndNs - m_leadNs - kWakeAllowanceNs, nullptr});
@@ -489,7 +492,8 @@ struct WaveOutDevice final : DeviceCore {
             const unsigned long left = (usable - m_offset) / blockAlign;
             const unsigned long count = std::min(left, frames - done);
             if (count > 0) {
-                std::memcpy(out + done * blockAlign, m_current.samples + m_offset, count * blockAlign);
+                std::memcpy(out + done * blockAlign, m_current.samples + m_offset,
+                            count * blockAlign);
                 done += count;
                 m_offset += static_cast<std::uint32_t>(count * blockAlign);
                 m_playedFrames.fetch_add(count, std::memory_order_relaxed);
@@ -508,8 +512,8 @@ struct WaveOutDevice final : DeviceCore {
     /// Hands the current and every submitted header to the layer thread as finished now.
     void ReturnEverything(std::int64_t now) {
         if (m_current.header != nullptr) {
-            m_completed.Push({m_currentReturned ? nullptr : m_current.header, now,
-                              m_current.samples});
+            m_completed.Push(
+                {m_currentReturned ? nullptr : m_current.header, now, m_current.samples});
             m_current = Submission{};
         }
         Submission next;
@@ -569,9 +573,11 @@ int OutputCallback(const void*, void* output, unsigned long frames,
     return static_cast<WaveOutDevice*>(user)->Callback(output, frames, time);
 }
 
-bool Valid(WaveOutHandle device) { return device != nullptr; }
+bool Valid(WaveOutHandle device) {
+    return device != nullptr;
+}
 
-} // namespace
+}  // namespace
 
 unsigned WaveOutGetNumDevs() {
     std::unique_lock lock(g_platformLock, std::defer_lock);
@@ -716,7 +722,12 @@ MmResult WaveOutWrite(WaveOutHandle device, WaveHeader* header, unsigned) {
     header->flags = (flags & ~kWaveHeaderDone) | kWaveHeaderInQueue;
     std::lock_guard lock(device->m_submitLock);
     device->m_queued.fetch_add(1);
-    if (!device->m_submitted.Push({header, NowNs(), samples, header->bufferLength})) {
+    // A request older than the lead would start late anyway; it is not trusted further back.
+    const std::int64_t now = NowNs();
+    const std::int64_t requested =
+        header->requestedNs > 0 ? std::clamp(header->requestedNs, now - device->m_leadNs, now)
+                                : now;
+    if (!device->m_submitted.Push({header, requested, samples, header->bufferLength})) {
         device->m_queued.fetch_sub(1);
         header->flags = flags;
         delete[] samples;
@@ -810,7 +821,7 @@ struct WaveInDevice final : DeviceCore {
     std::atomic<bool> m_recording{false};
     std::atomic<std::uint64_t> m_recordedFrames{0};
     SpscRing<unsigned char, kRingBytes> m_ring;
-    std::mutex m_headerLock; // guards m_headers
+    std::mutex m_headerLock;  // guards m_headers
     std::deque<WaveHeader*> m_headers;
 
     int Callback(const void* input, unsigned long frames) {
@@ -872,7 +883,7 @@ int InputCallback(const void* input, void*, unsigned long frames, const PaStream
     return static_cast<WaveInDevice*>(user)->Callback(input, frames);
 }
 
-} // namespace
+}  // namespace
 
 unsigned WaveInGetNumDevs() {
     std::unique_lock lock(g_platformLock, std::defer_lock);

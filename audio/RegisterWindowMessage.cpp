@@ -10,7 +10,7 @@ namespace {
 constexpr unsigned kFirstRegisteredMessage = 0xC000;
 constexpr unsigned kLastRegisteredMessage = 0xFFFF;
 
-} // namespace
+}  // namespace
 
 unsigned RegisterWindowMessage(std::string_view name) {
     static std::mutex lock;

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
-#include <mutex>
 #include <cstring>
+#include <mutex>
 
 namespace {
 
@@ -49,7 +49,7 @@ MmResult CopyErrorText(MmResult result, char* text, unsigned length) {
     return kMmNoError;
 }
 
-} // namespace
+}  // namespace
 
 std::string WaveGetErrorText(MmResult result) {
     for (const ResultText& entry : kResultTexts) {
@@ -102,4 +102,10 @@ void WaveHeaderSignalDone(WaveHeader* header) {
         header->flags = (header->flags.load() & ~kWaveHeaderInQueue) | kWaveHeaderDone;
     }
     g_doneSignal.notify_all();
+}
+
+std::int64_t WaveClockNs() {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
 }

@@ -60,6 +60,10 @@ struct WaveHeader {
     std::uintptr_t user = 0;
     std::atomic<std::uint32_t> flags{0};
     std::uint32_t loops = 0;
+    /// When the caller decided to play this buffer (steady clock, ns), if it prepared the
+    /// samples first; 0 means at the write. Keyed tones start that long after the decision,
+    /// however long the synthesis took.
+    std::int64_t requestedNs = 0;
 
     WaveHeader() = default;
     WaveHeader(const WaveHeader&) = delete;
@@ -72,6 +76,7 @@ struct WaveHeader {
         user = 0;
         flags = 0;
         loops = 0;
+        requestedNs = 0;
     }
 };
 
@@ -169,6 +174,9 @@ MmResult WaveInGetErrorText(MmResult result, char* text, unsigned length);
 bool WaveHeaderWaitDone(const WaveHeader* header, std::uint32_t microseconds);
 /// For backends: marks the header done (and no longer queued) and wakes its waiters.
 void WaveHeaderSignalDone(WaveHeader* header);
+
+/// The steady clock in nanoseconds, as requestedNs and the layer use it.
+std::int64_t WaveClockNs();
 
 /// The checks every backend applies before it asks the platform: PCM, 1 to 8 channels, 8 or 16
 /// bits, 1000 to 384000 samples per second, consistent block align and byte rate.

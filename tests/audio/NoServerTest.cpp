@@ -63,7 +63,7 @@ TEST(NoServer, MixerDisablesTheSlider) {
     WithinASecond("Initialize", [&] { mixer.Initialize(); });
     EXPECT_FALSE(slider.m_enabled);
     EXPECT_EQ(mixer.SetVolume(32768), 0);
-    EXPECT_EQ(mixer.OpenMixer(), 1); // no mixer device at all
+    EXPECT_EQ(mixer.OpenMixer(), 1);  // no mixer device at all
     EXPECT_EQ(mixer.CloseMixer(), 1);
 }
 
@@ -71,8 +71,9 @@ TEST(NoServer, NoMidiOutputsAndNoSound) {
     WithinASecond("MidiOutGetNumDevs", [] { EXPECT_EQ(MidiOutGetNumDevs(), 0u); });
     WithinASecond("Beep", [] { EXPECT_FALSE(Beep(750, 200)); });
     CClipPlayer clips;
-    const char image[] = "RIFF\x28\0\0\0WAVEfmt \x10\0\0\0\x01\0\x01\0\x22\x56\0\0\x44\xac\0\0"
-                         "\x02\0\x10\0data\x04\0\0\0\x10\0\x20\0";
+    const char image[] =
+        "RIFF\x28\0\0\0WAVEfmt \x10\0\0\0\x01\0\x01\0\x22\x56\0\0\x44\xac\0\0"
+        "\x02\0\x10\0data\x04\0\0\0\x10\0\x20\0";
     CWave wave;
     ASSERT_TRUE(wave.LoadFromMemory(image, sizeof image - 1));
     EXPECT_EQ(wave.GetNumSamples(), 2u);
@@ -87,4 +88,4 @@ TEST(NoServer, QueuedPlayerRefusesTones) {
     });
 }
 
-} // namespace
+}  // namespace

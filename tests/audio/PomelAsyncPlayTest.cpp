@@ -30,7 +30,7 @@ TEST(PomelAsyncPlay, SlotRules) {
     ASSERT_TRUE(player.IsOpen());
     EXPECT_EQ(player.FirstFreeSlot(), 0);
     EXPECT_EQ(player.AddTone(700, 1.5), 0);
-    EXPECT_EQ(player.AddTone(700, 1.5), 0); // every time
+    EXPECT_EQ(player.AddTone(700, 1.5), 0);  // every time
     EXPECT_EQ(player.AddTone(700, -0.5), 0);
 
     // Three short tones: the first opens a current slot, the second brings it to exactly
@@ -92,4 +92,4 @@ TEST(PomelAsyncPlay, QueuedTonesAreHeardInOrder) {
     }
 }
 
-} // namespace
+}  // namespace

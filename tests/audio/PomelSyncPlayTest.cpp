@@ -6,11 +6,12 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
 #include <pthread.h>
 #include <sched.h>
+#include <algorithm>
 #include <chrono>
+#include <cmath>
+#include <string>
 #include <thread>
 
 namespace {
@@ -101,9 +102,8 @@ TEST(PomelSyncPlay, KeyedSequenceKeepsToneAndGapLengthsAtTheSink) {
     ASSERT_EQ(player.GetLastResult(), kMmNoError);
     // "PARIS" keyed at 20 WPM: dit 60 ms, gaps of one and three units.
     const std::vector<std::pair<double, int>> elements = {
-        {0.06, 60}, {0.18, 60}, {0.18, 60}, {0.06, 180}, {0.06, 60}, {0.18, 180},
-        {0.06, 60}, {0.18, 60}, {0.06, 180}, {0.06, 60}, {0.06, 180}, {0.06, 60},
-        {0.06, 60}, {0.06, 0}};
+        {0.06, 60}, {0.18, 60},  {0.18, 60}, {0.06, 180}, {0.06, 60}, {0.18, 180}, {0.06, 60},
+        {0.18, 60}, {0.06, 180}, {0.06, 60}, {0.06, 180}, {0.06, 60}, {0.06, 60},  {0.06, 0}};
     for (const auto& [seconds, gapMs] : elements) {
         ASSERT_EQ(player.PlayTone(700.0, seconds), 1);
         std::this_thread::sleep_for(std::chrono::milliseconds(gapMs));
@@ -129,9 +129,13 @@ TEST(PomelSyncPlay, KeyedSequenceKeepsToneAndGapLengthsAtTheSink) {
         outliers += std::abs(gapErrors[i]) > 0.5 ? 1 : 0;
         sizes.push_back(std::abs(gapErrors[i]));
     }
-    EXPECT_LE(outliers, static_cast<int>(gapErrors.size()) / 10);
+    std::string all;
+    for (const double error : gapErrors) {
+        all += std::to_string(error) + " ";
+    }
+    EXPECT_LE(outliers, static_cast<int>(gapErrors.size()) / 10) << "gap errors (ms): " << all;
     std::sort(sizes.begin(), sizes.end());
     EXPECT_LE(sizes[sizes.size() / 2], 0.2);
 }
 
-} // namespace
+}  // namespace

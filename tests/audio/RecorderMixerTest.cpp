@@ -13,12 +13,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <numbers>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <numbers>
 #include <string>
 #include <thread>
 
@@ -72,7 +72,7 @@ TEST(WaveIn, RecordsOneSecondOfAToneAndSavesIt) {
     CWaveDevice device;
     ASSERT_TRUE(device.IsInputFormat(wave));
     CWaveIn recorder(wave.GetFormat(), device);
-    EXPECT_TRUE(recorder.Close()); // never opened: nothing to do
+    EXPECT_TRUE(recorder.Close());  // never opened: nothing to do
     ASSERT_TRUE(recorder.Open()) << recorder.GetError();
     EXPECT_EQ(recorder.GetError(), "");
     ASSERT_TRUE(recorder.Record(4096)) << recorder.GetError();
@@ -117,7 +117,7 @@ TEST(WaveIn, RecordsOneSecondOfAToneAndSavesIt) {
 TEST(SoundMixer, FindsMasterAndSetsTheServersVolume) {
     FakeSlider slider;
     CSoundMixer mixer;
-    EXPECT_EQ(mixer.SetVolume(100), 0); // before Initialize: no handle
+    EXPECT_EQ(mixer.SetVolume(100), 0);  // before Initialize: no handle
     mixer.AttachSlider(&slider);
     mixer.Initialize();
     EXPECT_TRUE(slider.m_enabled);
@@ -147,7 +147,8 @@ std::vector<char> ToneClip(double frequency, double seconds) {
     const auto count = static_cast<std::uint32_t>(22050 * seconds);
     std::vector<std::int16_t> samples(count);
     for (std::uint32_t i = 0; i < count; ++i) {
-        samples[i] = static_cast<std::int16_t>(16000 * std::sin(2 * std::numbers::pi * frequency * i / 22050));
+        samples[i] = static_cast<std::int16_t>(
+            16000 * std::sin(2 * std::numbers::pi * frequency * i / 22050));
     }
     wave.SetBuffer(reinterpret_cast<char*>(samples.data()), count, true);
     const std::string path = (std::filesystem::temp_directory_path() / "tonwerk-clip.wav").string();
@@ -206,7 +207,8 @@ TEST(WaveOut, PlaysAWaveInChunksToTheEnd) {
     const std::uint32_t count = 48000 * 3 / 10;
     std::vector<std::int16_t> samples(count);
     for (std::uint32_t i = 0; i < count; ++i) {
-        samples[i] = static_cast<std::int16_t>(12000 * std::sin(2 * std::numbers::pi * 600.0 * i / 48000));
+        samples[i] =
+            static_cast<std::int16_t>(12000 * std::sin(2 * std::numbers::pi * 600.0 * i / 48000));
     }
     wave.SetBuffer(reinterpret_cast<char*>(samples.data()), count, true);
     SinkRecorder recorder;
@@ -223,4 +225,4 @@ TEST(WaveOut, PlaysAWaveInChunksToTheEnd) {
     EXPECT_NEAR(tones[0].lengthMs, 300.0, 1.0);
 }
 
-} // namespace
+}  // namespace

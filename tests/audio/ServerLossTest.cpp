@@ -96,4 +96,4 @@ TEST(ServerLoss, RecorderStopsWhenTheServerDies) {
     RestartServer();
 }
 
-} // namespace
+}  // namespace

@@ -24,9 +24,10 @@ struct HeardTone {
 class SinkRecorder {
 public:
     SinkRecorder() {
-        m_pipe = popen("exec parec -d nullsink.monitor --rate=48000 --channels=1 --format=s16le "
-                       "--latency-msec=5 2>/dev/null",
-                       "r");
+        m_pipe = popen(
+            "exec parec -d nullsink.monitor --rate=48000 --channels=1 --format=s16le "
+            "--latency-msec=5 2>/dev/null",
+            "r");
         if (m_pipe == nullptr) {
             return;
         }
@@ -118,8 +119,18 @@ private:
             if (got == 0) {
                 break;
             }
+            const std::int64_t arrived = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                                             std::chrono::steady_clock::now().time_since_epoch())
+                                             .count();
             std::lock_guard lock(m_lock);
             m_samples.insert(m_samples.end(), block, block + got);
+            // The earliest a sample can have been captured: its chunk's arrival less the time
+            // the samples after it took.
+            const double anchor = static_cast<double>(arrived) -
+                                  static_cast<double>(m_samples.size()) * 1e9 / kSinkRate;
+            if (m_anchorNs == 0.0 || anchor < m_anchorNs) {
+                m_anchorNs = anchor;
+            }
         }
     }
 
@@ -128,4 +139,13 @@ private:
     std::atomic<bool> m_stop{false};
     mutable std::mutex m_lock;
     std::vector<std::int16_t> m_samples;
+    double m_anchorNs = 0.0;
+
+public:
+    /// Steady-clock time (ns) of sample 0, at the latest: sample i was heard no later than
+    /// this plus i / rate.
+    double AnchorNs() const {
+        std::lock_guard lock(m_lock);
+        return m_anchorNs;
+    }
 };

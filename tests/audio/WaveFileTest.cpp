@@ -120,8 +120,8 @@ TEST(Wave, CopiesAreDeepAndLoadRejectsWhatIsNoWave) {
 TEST(WaveResults, TextsForTheCodesAndNoneForSuccess) {
     EXPECT_EQ(WaveGetErrorText(kMmNoError), "");
     EXPECT_EQ(WaveGetErrorText(12345), "");
-    for (MmResult code : {kMmBadDeviceId, kMmAllocated, kMmInvalidHandle, kMmNoDriver,
-                          kMmNoMemory, kWaveBadFormat}) {
+    for (MmResult code : {kMmBadDeviceId, kMmAllocated, kMmInvalidHandle, kMmNoDriver, kMmNoMemory,
+                          kWaveBadFormat}) {
         EXPECT_FALSE(WaveGetErrorText(code).empty()) << code;
     }
     char text[8];
@@ -164,11 +164,11 @@ TEST(PomelPCM, SlotStartsFreeAndFillsItsTone) {
     ASSERT_EQ(slot.FillTone(), 1);
     EXPECT_EQ(slot.m_state.load(), CPomelPCM::kQueued);
     EXPECT_EQ(slot.m_header.bufferLength, 22050u);
-    EXPECT_EQ(slot.m_buffer[0], 252); // a cosine starts at its crest
+    EXPECT_EQ(slot.m_buffer[0], 252);  // a cosine starts at its crest
     EXPECT_EQ(slot.Allocate(100), 1);
     EXPECT_EQ(slot.m_duration, 0.0);
     slot.m_duration = 1.0;
-    EXPECT_EQ(slot.FillTone(), 0); // more than the buffer holds
+    EXPECT_EQ(slot.FillTone(), 0);  // more than the buffer holds
 }
 
 TEST(RegisteredMessages, SameNameSameNumberAcrossThreads) {
@@ -236,4 +236,4 @@ TEST(MidiOutputs, CountAndCapabilitiesComeFromTheEnumerator) {
     EXPECT_EQ(MidiOutGetNumDevs(), 0u);
 }
 
-} // namespace
+}  // namespace
