@@ -35,6 +35,7 @@ constexpr auto kTeardownWait = 800ms;
 constexpr auto kIdlePoll = 20ms;
 constexpr auto kBusyPoll = 1ms;
 constexpr int kLayerThreadPriority = 10;
+constexpr auto kRefreshInterval = 1s;
 /// Weight of one period's report in the stream clock (about 150 periods to follow a change).
 constexpr double kAnchorSmoothing = 0.007;
 constexpr std::int64_t kSettleNs = 150'000'000;
@@ -99,13 +100,30 @@ void QuietAlsa(const char*, int, const char*, int, const char*, ...) {}
 
 // PortAudio is initialised once and refreshed (to see a server that came up later) only while
 // no stream is open, under this lock.
-std::timed_mutex g_platformLock;
+std::mutex g_platformLock;
+
+/// Takes the platform lock unless another caller holds it too long (a platform call hung on a
+/// vanished server). Polls instead of a timed lock, which ThreadSanitizer cannot follow.
+bool LockPlatformWithin(std::unique_lock<std::mutex>& lock, Clock::duration wait) {
+    const auto deadline = Clock::now() + wait;
+    while (!lock.try_lock()) {
+        if (Clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(1ms);
+    }
+    return true;
+}
 bool g_initialized = false;
 bool g_refreshWanted = false;
 int g_openStreams = 0;
 
+Clock::time_point g_lastRefresh;
+
 bool EnsurePlatformLocked() {
-    if (g_initialized && g_refreshWanted && g_openStreams == 0) {
+    // Probing the devices again is slow; a server that comes up is noticed within a second.
+    if (g_initialized && g_refreshWanted && g_openStreams == 0 &&
+        Clock::now() - g_lastRefresh > kRefreshInterval) {
         Pa_Terminate();
         g_initialized = false;
     }
@@ -116,6 +134,7 @@ bool EnsurePlatformLocked() {
         }
         g_initialized = true;
         g_refreshWanted = false;
+        g_lastRefresh = Clock::now();
     }
     return true;
 }
@@ -581,7 +600,7 @@ bool Valid(WaveOutHandle device) {
 
 unsigned WaveOutGetNumDevs() {
     std::unique_lock lock(g_platformLock, std::defer_lock);
-    if (!lock.try_lock_for(kHandshakeWait)) {
+    if (!LockPlatformWithin(lock, kHandshakeWait)) {
         return 0;
     }
     return static_cast<unsigned>(DevicesLocked(true).size());
@@ -592,7 +611,7 @@ MmResult WaveOutGetDevCaps(unsigned device, WaveOutCaps* caps, unsigned size) {
         return kMmInvalidParam;
     }
     std::unique_lock lock(g_platformLock, std::defer_lock);
-    if (!lock.try_lock_for(kHandshakeWait)) {
+    if (!LockPlatformWithin(lock, kHandshakeWait)) {
         return kMmNoDriver;
     }
     MmResult result = kMmNoError;
@@ -618,7 +637,7 @@ MmResult WaveOutOpen(WaveOutHandle* device, unsigned deviceId, const WaveFormat*
         return kMmInvalidParam;
     }
     std::unique_lock lock(g_platformLock, std::defer_lock);
-    if (!lock.try_lock_for(kHandshakeWait)) {
+    if (!LockPlatformWithin(lock, kHandshakeWait)) {
         return kMmNoDriver;
     }
     MmResult result = kMmNoError;
@@ -887,7 +906,7 @@ int InputCallback(const void* input, void*, unsigned long frames, const PaStream
 
 unsigned WaveInGetNumDevs() {
     std::unique_lock lock(g_platformLock, std::defer_lock);
-    if (!lock.try_lock_for(kHandshakeWait)) {
+    if (!LockPlatformWithin(lock, kHandshakeWait)) {
         return 0;
     }
     return static_cast<unsigned>(DevicesLocked(false).size());
@@ -898,7 +917,7 @@ MmResult WaveInGetDevCaps(unsigned device, WaveInCaps* caps, unsigned size) {
         return kMmInvalidParam;
     }
     std::unique_lock lock(g_platformLock, std::defer_lock);
-    if (!lock.try_lock_for(kHandshakeWait)) {
+    if (!LockPlatformWithin(lock, kHandshakeWait)) {
         return kMmNoDriver;
     }
     MmResult result = kMmNoError;
@@ -923,7 +942,7 @@ MmResult WaveInOpen(WaveInHandle* device, unsigned deviceId, const WaveFormat* f
         return kMmInvalidParam;
     }
     std::unique_lock lock(g_platformLock, std::defer_lock);
-    if (!lock.try_lock_for(kHandshakeWait)) {
+    if (!LockPlatformWithin(lock, kHandshakeWait)) {
         return kMmNoDriver;
     }
     MmResult result = kMmNoError;

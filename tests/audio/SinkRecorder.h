@@ -51,11 +51,13 @@ public:
         if (m_pipe != nullptr) {
             std::this_thread::sleep_for(std::chrono::milliseconds(150));
             m_stop = true;
+            // The recorder delivers data all the time, so the reader sees the flag at once;
+            // closing the pipe after it then ends the recorder with a broken pipe.
+            if (m_reader.joinable()) {
+                m_reader.join();
+            }
             pclose(m_pipe);
             m_pipe = nullptr;
-        }
-        if (m_reader.joinable()) {
-            m_reader.join();
         }
         std::lock_guard lock(m_lock);
         return m_samples;
