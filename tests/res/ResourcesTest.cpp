@@ -15,14 +15,12 @@
 
 namespace {
 
-QString Path(std::string_view path)
-{
+QString Path(std::string_view path) {
     return QString::fromLatin1(path.data(), static_cast<qsizetype>(path.size()));
 }
 
 // Counts pixels that are not fully transparent.
-int InkOf(const QImage& image)
-{
+int InkOf(const QImage& image) {
     int ink = 0;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
@@ -48,22 +46,19 @@ private slots:
     void contactSheet();
 };
 
-void ResourcesTest::initTestCase()
-{
+void ResourcesTest::initTestCase() {
     tonwerk::res::InitResources();
     tonwerk::res::InitResources();  // twice is harmless
 }
 
-void ResourcesTest::everyPathRenders_data()
-{
+void ResourcesTest::everyPathRenders_data() {
     QTest::addColumn<QString>("path");
     for (std::string_view path : tonwerk::res::kAllPaths) {
         QTest::newRow(path.data()) << Path(path);
     }
 }
 
-void ResourcesTest::everyPathRenders()
-{
+void ResourcesTest::everyPathRenders() {
     QFETCH(QString, path);
     QVERIFY(QFile::exists(path));
     QSvgRenderer renderer(path);
@@ -80,8 +75,7 @@ void ResourcesTest::everyPathRenders()
     QVERIFY2(InkOf(image) > image.width() * image.height() / 10, qPrintable(path));
 }
 
-void ResourcesTest::listedPathsMatchTheResources()
-{
+void ResourcesTest::listedPathsMatchTheResources() {
     QSet<QString> listed;
     for (std::string_view path : tonwerk::res::kAllPaths) {
         listed.insert(Path(path));
@@ -94,8 +88,7 @@ void ResourcesTest::listedPathsMatchTheResources()
     QCOMPARE(built, listed);
 }
 
-void ResourcesTest::pathsAreDistinct()
-{
+void ResourcesTest::pathsAreDistinct() {
     QSet<QString> seen;
     for (std::string_view path : tonwerk::res::kAllPaths) {
         QVERIFY2(!seen.contains(Path(path)), path.data());
@@ -104,8 +97,7 @@ void ResourcesTest::pathsAreDistinct()
     QCOMPARE(seen.size(), static_cast<qsizetype>(tonwerk::res::kAllPaths.size()));
 }
 
-void ResourcesTest::desktopEntryAndMimeType()
-{
+void ResourcesTest::desktopEntryAndMimeType() {
     const QString dir = qEnvironmentVariable("TONWERK_RES_DIR");
     QVERIFY(!dir.isEmpty());
     QFile desktop(dir + QStringLiteral("/tonwerk.desktop"));
@@ -135,8 +127,7 @@ void ResourcesTest::desktopEntryAndMimeType()
     QCOMPARE(glob, QStringLiteral("*.code"));
 }
 
-void ResourcesTest::contactSheet()
-{
+void ResourcesTest::contactSheet() {
     // Every image on one sheet in the build tree, at its use size and four times larger.
     constexpr int kCell = 72;
     const int count = static_cast<int>(tonwerk::res::kAllPaths.size());

@@ -17,8 +17,7 @@ private slots:
     void unknownWidgetIsRefused();
 };
 
-void AnchorLayoutTest::anchoredRect_data()
-{
+void AnchorLayoutTest::anchoredRect_data() {
     QTest::addColumn<QRect>("design");
     QTest::addColumn<QPoint>("topLeft");
     QTest::addColumn<QPoint>("bottomRight");
@@ -28,8 +27,8 @@ void AnchorLayoutTest::anchoredRect_data()
     const QRect design(10, 20, 30, 40);
     // Base 100 x 100 in every row.
     QTest::newRow("fixed") << design << QPoint(0, 0) << QPoint(0, 0) << QSize(200, 300) << design;
-    QTest::newRow("stretch width") << design << QPoint(0, 0) << QPoint(100, 0) << QSize(200, 300)
-                                   << QRect(10, 20, 130, 40);
+    QTest::newRow("stretch width")
+        << design << QPoint(0, 0) << QPoint(100, 0) << QSize(200, 300) << QRect(10, 20, 130, 40);
     QTest::newRow("move right") << design << QPoint(100, 0) << QPoint(100, 0) << QSize(200, 300)
                                 << QRect(110, 20, 30, 40);
     QTest::newRow("half width") << design << QPoint(0, 0) << QPoint(50, 0) << QSize(200, 100)
@@ -48,8 +47,7 @@ void AnchorLayoutTest::anchoredRect_data()
                                   << design;
 }
 
-void AnchorLayoutTest::anchoredRect()
-{
+void AnchorLayoutTest::anchoredRect() {
     QFETCH(QRect, design);
     QFETCH(QPoint, topLeft);
     QFETCH(QPoint, bottomRight);
@@ -59,8 +57,7 @@ void AnchorLayoutTest::anchoredRect()
              expected);
 }
 
-void AnchorLayoutTest::formResizeMovesControls()
-{
+void AnchorLayoutTest::formResizeMovesControls() {
     QWidget form;
     auto* layout = new CAnchorLayout(&form);
     layout->SetBaseSize(QSize(400, 300));
@@ -95,8 +92,7 @@ void AnchorLayoutTest::formResizeMovesControls()
     QCOMPARE(unregistered->geometry(), QRect(5, 5, 80, 12));
 }
 
-void AnchorLayoutTest::formNeverShrinksBelowBase()
-{
+void AnchorLayoutTest::formNeverShrinksBelowBase() {
     QWidget form;
     auto* layout = new CAnchorLayout(&form);
     layout->SetBaseSize(QSize(400, 300));
@@ -107,8 +103,7 @@ void AnchorLayoutTest::formNeverShrinksBelowBase()
     QCOMPARE(text->geometry(), QRect(10, 10, 380, 280));
 }
 
-void AnchorLayoutTest::neighboursAtHalfMeet()
-{
+void AnchorLayoutTest::neighboursAtHalfMeet() {
     // Text to Morse Code ends where Morse Code to Text begins, for every odd growth too.
     QWidget form;
     auto* layout = new CAnchorLayout(&form);
@@ -125,8 +120,7 @@ void AnchorLayoutTest::neighboursAtHalfMeet()
     }
 }
 
-void AnchorLayoutTest::reAddingReplacesAnchors()
-{
+void AnchorLayoutTest::reAddingReplacesAnchors() {
     QWidget form;
     auto* layout = new CAnchorLayout(&form);
     layout->SetBaseSize(QSize(100, 100));
@@ -138,8 +132,7 @@ void AnchorLayoutTest::reAddingReplacesAnchors()
     QCOMPARE(label->geometry(), QRect(50, 20, 10, 10));
 }
 
-void AnchorLayoutTest::unknownWidgetIsRefused()
-{
+void AnchorLayoutTest::unknownWidgetIsRefused() {
     CAnchorLayout layout;
     QLabel stranger("x");
     QVERIFY(!layout.SetAnchors(&stranger, {0, 0}, {100, 100}));

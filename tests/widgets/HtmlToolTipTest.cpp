@@ -26,8 +26,7 @@ const QString kRandomTip = QStringLiteral(
     "sequences<br>of characters and groups<br>them into words</h4>");
 }
 
-void HtmlToolTipTest::tipCarriesIconAndTextVerbatim()
-{
+void HtmlToolTipTest::tipCarriesIconAndTextVerbatim() {
     CHtmlToolTip tips;
     tips.SetIcon(QString::fromLatin1(tonwerk::res::kToolTipIcon));
     QPushButton random("&Random");
@@ -44,8 +43,7 @@ void HtmlToolTipTest::tipCarriesIconAndTextVerbatim()
     QVERIFY(tips.TipHtml(&random).contains(QStringLiteral("<h1> 100%1 %2 </h1>")));
 }
 
-void HtmlToolTipTest::unknownToolHasNoTip()
-{
+void HtmlToolTipTest::unknownToolHasNoTip() {
     CHtmlToolTip tips;
     QLabel label;
     QCOMPARE(tips.TipHtml(&label), QString());
@@ -55,8 +53,7 @@ void HtmlToolTipTest::unknownToolHasNoTip()
     tips.RemoveTool(&label);
 }
 
-void HtmlToolTipTest::tipShowsOnlyWhileActive()
-{
+void HtmlToolTipTest::tipShowsOnlyWhileActive() {
     CHtmlToolTip tips;
     tips.SetIcon(QString::fromLatin1(tonwerk::res::kToolTipIcon));
     QPushButton button("Pitch");
@@ -81,8 +78,7 @@ void HtmlToolTipTest::tipShowsOnlyWhileActive()
     QTRY_VERIFY(!QToolTip::isVisible());
 }
 
-void HtmlToolTipTest::deletedToolIsForgotten()
-{
+void HtmlToolTipTest::deletedToolIsForgotten() {
     CHtmlToolTip tips;
     auto* label = new QLabel;
     tips.AddTool(label, QStringLiteral("<b>x</b>"));
@@ -91,8 +87,7 @@ void HtmlToolTipTest::deletedToolIsForgotten()
     QVERIFY(!tips.HasTool(key));
 }
 
-void HtmlToolTipTest::tipRendersWithIcon()
-{
+void HtmlToolTipTest::tipRendersWithIcon() {
     // The rich-text engine must find the icon in the resources, not show a broken image.
     CHtmlToolTip tips;
     tips.SetIcon(QString::fromLatin1(tonwerk::res::kToolTipIcon), 32);
@@ -100,8 +95,8 @@ void HtmlToolTipTest::tipRendersWithIcon()
     tips.AddTool(&tool, kRandomTip);
     QTextDocument document;
     document.setHtml(tips.TipHtml(&tool));
-    const QVariant image =
-        document.resource(QTextDocument::ImageResource, QUrl(QString::fromLatin1(tonwerk::res::kToolTipIcon)));
+    const QVariant image = document.resource(QTextDocument::ImageResource,
+                                             QUrl(QString::fromLatin1(tonwerk::res::kToolTipIcon)));
     QVERIFY(image.isValid());
     QVERIFY(document.toPlainText().contains(QStringLiteral("Generate Random")));
 }

@@ -18,8 +18,7 @@ private slots:
     void splashExistsHidden();
 };
 
-void ImageButtonTest::imageAtRequestedSize_data()
-{
+void ImageButtonTest::imageAtRequestedSize_data() {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QSize>("size");
     QTest::newRow("text to morse 180") << tonwerk::res::kButtonTextToMorse << QSize(48, 16);
@@ -31,8 +30,7 @@ void ImageButtonTest::imageAtRequestedSize_data()
     QTest::newRow("browse 134") << tonwerk::res::kButtonBrowse << QSize(16, 16);
 }
 
-void ImageButtonTest::imageAtRequestedSize()
-{
+void ImageButtonTest::imageAtRequestedSize() {
     QFETCH(QString, path);
     QFETCH(QSize, size);
     CImageButton button(QStringLiteral("&Listen"));
@@ -44,8 +42,7 @@ void ImageButtonTest::imageAtRequestedSize()
     QCOMPARE(button.text(), QStringLiteral("&Listen"));
 }
 
-void ImageButtonTest::missingImageLeavesNone()
-{
+void ImageButtonTest::missingImageLeavesNone() {
     CImageButton button;
     QVERIFY(button.SetImage(QString::fromLatin1(tonwerk::res::kButtonListen), QSize(32, 32)));
     QVERIFY(!button.SetImage(QStringLiteral(":/tonwerk/buttons/none.svg"), QSize(32, 32)));
@@ -53,8 +50,7 @@ void ImageButtonTest::missingImageLeavesNone()
     QCOMPARE(button.ImagePath(), QString());
 }
 
-void ImageButtonTest::recordToggleSwapsImage()
-{
+void ImageButtonTest::recordToggleSwapsImage() {
     CImageButton button;
     button.SetImage(QString::fromLatin1(tonwerk::res::kButtonRecordOff), QSize(32, 32));
     const QImage off = button.icon().pixmap(QSize(32, 32)).toImage();
@@ -64,8 +60,7 @@ void ImageButtonTest::recordToggleSwapsImage()
     QVERIFY(off.size() != on.size() || off != on);
 }
 
-void ImageButtonTest::clickStillWorks()
-{
+void ImageButtonTest::clickStillWorks() {
     CImageButton button(QStringLiteral("&Random"));
     button.SetImage(QString::fromLatin1(tonwerk::res::kButtonRandom), QSize(32, 32));
     button.resize(120, 40);
@@ -74,8 +69,7 @@ void ImageButtonTest::clickStillWorks()
     QCOMPARE(clicked.count(), 1);
 }
 
-void ImageButtonTest::splashExistsHidden()
-{
+void ImageButtonTest::splashExistsHidden() {
     CSplashWnd splash;
     QVERIFY(!splash.isVisible());
     QVERIFY(splash.windowFlags() & Qt::SplashScreen);

@@ -8,8 +8,7 @@
 
 namespace {
 
-int CountReddish(const QImage& image)
-{
+int CountReddish(const QImage& image) {
     int count = 0;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
@@ -37,8 +36,7 @@ private slots:
     void clicksAreReported();
 };
 
-void KeyLampTest::startsWithKeyUp()
-{
+void KeyLampTest::startsWithKeyUp() {
     CKeyLamp lamp;
     QCOMPARE(lamp.LayerCount(), 2);
     QCOMPARE(lamp.LayerName(CKeyLamp::kKeyUpLayer), QStringLiteral("Key Up"));
@@ -50,8 +48,7 @@ void KeyLampTest::startsWithKeyUp()
     QVERIFY(!lamp.IsKeyDown());
 }
 
-void KeyLampTest::layersSwitch()
-{
+void KeyLampTest::layersSwitch() {
     CKeyLamp lamp;
     lamp.SetKeyDown(true);
     QVERIFY(lamp.IsKeyDown());
@@ -64,8 +61,7 @@ void KeyLampTest::layersSwitch()
     QCOMPARE(lamp.VisibleLayers(), std::vector<int>{101});
 }
 
-void KeyLampTest::unknownLayerIsIgnored()
-{
+void KeyLampTest::unknownLayerIsIgnored() {
     CKeyLamp lamp;
     QVERIFY(!lamp.ShowLayer(7));
     QVERIFY(!lamp.HasLayer(7));
@@ -73,8 +69,7 @@ void KeyLampTest::unknownLayerIsIgnored()
     QCOMPARE(lamp.VisibleLayers(), std::vector<int>{100});
 }
 
-void KeyLampTest::layersPaintBottomToTop()
-{
+void KeyLampTest::layersPaintBottomToTop() {
     CLayeredBitmap bitmap;
     bitmap.setFrameStyle(QFrame::NoFrame);
     bitmap.resize(20, 20);
@@ -96,8 +91,7 @@ void KeyLampTest::layersPaintBottomToTop()
     QCOMPARE(bitmap.grab().toImage().pixelColor(10, 10), QColor(Qt::blue));
 }
 
-void KeyLampTest::lampFollowsLayers()
-{
+void KeyLampTest::lampFollowsLayers() {
     CKeyLamp lamp;
     lamp.resize(40, 40);
     const int upRed = CountReddish(lamp.grab().toImage());
@@ -107,8 +101,7 @@ void KeyLampTest::lampFollowsLayers()
              qPrintable(QStringLiteral("up %1, down %2").arg(upRed).arg(downRed)));
 }
 
-void KeyLampTest::takesFocusByTabAndClick()
-{
+void KeyLampTest::takesFocusByTabAndClick() {
     QWidget form;
     auto* layout = new QVBoxLayout(&form);
     auto* edit = new QLineEdit(&form);
@@ -129,8 +122,7 @@ void KeyLampTest::takesFocusByTabAndClick()
     QTRY_VERIFY(lamp->hasFocus());
 }
 
-void KeyLampTest::enterIsReportedOnlyWhenFocused()
-{
+void KeyLampTest::enterIsReportedOnlyWhenFocused() {
     QWidget form;
     auto* layout = new QVBoxLayout(&form);
     auto* edit = new QLineEdit(&form);
@@ -166,8 +158,7 @@ void KeyLampTest::enterIsReportedOnlyWhenFocused()
     QCOMPARE(released.count(), 2);
 }
 
-void KeyLampTest::clicksAreReported()
-{
+void KeyLampTest::clicksAreReported() {
     CKeyLamp lamp;
     lamp.resize(32, 32);
     QSignalSpy clicked(&lamp, &CLayeredBitmap::clicked);

@@ -11,8 +11,7 @@
 namespace {
 
 // Counts pixels near a colour in a rendered widget.
-int CountColour(const QImage& image, const QColor& colour, int tolerance = 40)
-{
+int CountColour(const QImage& image, const QColor& colour, int tolerance = 40) {
     int count = 0;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
@@ -27,8 +26,7 @@ int CountColour(const QImage& image, const QColor& colour, int tolerance = 40)
     return count;
 }
 
-QImage Render(QWidget& widget)
-{
+QImage Render(QWidget& widget) {
     return widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
 }
 
@@ -51,8 +49,7 @@ private slots:
     void saveRenderingsForInspection();
 };
 
-void SegmentDisplayTest::segmentsOfCharacters_data()
-{
+void SegmentDisplayTest::segmentsOfCharacters_data() {
     using P = CSegmentPainter;
     QTest::addColumn<QChar>("character");
     QTest::addColumn<uint>("segments");
@@ -71,18 +68,16 @@ void SegmentDisplayTest::segmentsOfCharacters_data()
     QTest::newRow("tab") << QChar(u'\t') << uint(0);
 }
 
-void SegmentDisplayTest::segmentsOfCharacters()
-{
+void SegmentDisplayTest::segmentsOfCharacters() {
     QFETCH(QChar, character);
     QFETCH(uint, segments);
     QCOMPARE(uint(CSegmentPainter::SegmentsOf(character)), segments);
 }
 
-void SegmentDisplayTest::everySelectableCharacterHasSegments()
-{
+void SegmentDisplayTest::everySelectableCharacterHasSegments() {
     // Every character the trainer can send must show on the next/previous displays.
-    const QString sendable = QStringLiteral(
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789\"#+&=/-@_^%();*!$:'?,.");
+    const QString sendable =
+        QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789\"#+&=/-@_^%();*!$:'?,.");
     for (QChar c : sendable) {
         QVERIFY2(CSegmentPainter::SegmentsOf(c) != 0, qPrintable(QString(c)));
     }
@@ -93,8 +88,7 @@ void SegmentDisplayTest::everySelectableCharacterHasSegments()
     QVERIFY(CSegmentPainter::SegmentsOf(u'8') != CSegmentPainter::SegmentsOf(u'B'));
 }
 
-void SegmentDisplayTest::clockFormat_data()
-{
+void SegmentDisplayTest::clockFormat_data() {
     QTest::addColumn<int>("hours");
     QTest::addColumn<int>("minutes");
     QTest::addColumn<int>("seconds");
@@ -106,8 +100,7 @@ void SegmentDisplayTest::clockFormat_data()
     QTest::newRow("negative as printf") << -1 << 0 << 0 << "-1:00:00";
 }
 
-void SegmentDisplayTest::clockFormat()
-{
+void SegmentDisplayTest::clockFormat() {
     QFETCH(int, hours);
     QFETCH(int, minutes);
     QFETCH(int, seconds);
@@ -118,8 +111,7 @@ void SegmentDisplayTest::clockFormat()
     QCOMPARE(clock.Text(), text);
 }
 
-void SegmentDisplayTest::textAndStyleAreKept()
-{
+void SegmentDisplayTest::textAndStyleAreKept() {
     CSegmentDisplay display;
     QCOMPARE(display.Text(), QString());
     display.SetText(QStringLiteral("W"));
@@ -136,8 +128,7 @@ void SegmentDisplayTest::textAndStyleAreKept()
     QCOMPARE(display.StyleFlags(), 16u);
 }
 
-void SegmentDisplayTest::segmentStyleLightsSegmentsInForeground()
-{
+void SegmentDisplayTest::segmentStyleLightsSegmentsInForeground() {
     CSegmentDisplay display;
     display.resize(60, 60);
     display.SetColours(QColor(0, 255, 0), Qt::black);
@@ -149,13 +140,13 @@ void SegmentDisplayTest::segmentStyleLightsSegmentsInForeground()
     display.SetText(QStringLiteral("1"));
     const int oneLit = CountColour(Render(display), QColor(0, 255, 0));
     QVERIFY(oneLit > 20);
-    QVERIFY2(eightLit > 2 * oneLit, qPrintable(QStringLiteral("8: %1, 1: %2").arg(eightLit).arg(oneLit)));
+    QVERIFY2(eightLit > 2 * oneLit,
+             qPrintable(QStringLiteral("8: %1, 1: %2").arg(eightLit).arg(oneLit)));
     // The background stays black around the segments.
     QVERIFY(CountColour(Render(display), Qt::black, 10) > 60 * 60 / 3);
 }
 
-void SegmentDisplayTest::gradientStyleShadesBackground()
-{
+void SegmentDisplayTest::gradientStyleShadesBackground() {
     CSegmentDisplay display;
     display.resize(80, 80);
     display.SetColours(QColor(152, 180, 253), QColor(142, 168, 243), Qt::black);
@@ -176,8 +167,7 @@ void SegmentDisplayTest::gradientStyleShadesBackground()
     QVERIFY(CountColour(Render(display), Qt::black, 60) > 30);
 }
 
-void SegmentDisplayTest::differentCharactersDrawDifferently()
-{
+void SegmentDisplayTest::differentCharactersDrawDifferently() {
     CSegmentDisplay display;
     display.resize(50, 70);
     display.SetColours(QColor(0, 255, 0), Qt::black);
@@ -191,8 +181,7 @@ void SegmentDisplayTest::differentCharactersDrawDifferently()
     QVERIFY(a != b);
 }
 
-void SegmentDisplayTest::drawsAtAnySize()
-{
+void SegmentDisplayTest::drawsAtAnySize() {
     CClockDisplay clock;
     clock.SetColours(QColor(0, 0, 255), Qt::white);
     clock.SetStyleFlags(16);
@@ -211,8 +200,7 @@ void SegmentDisplayTest::drawsAtAnySize()
     QVERIFY(CountColour(Render(clock), QColor(0, 0, 255), 90) > 10);
 }
 
-void SegmentDisplayTest::clockClickIsReported()
-{
+void SegmentDisplayTest::clockClickIsReported() {
     CClockDisplay clock;
     clock.resize(100, 30);
     QSignalSpy spy(&clock, &CSegmentDisplay::clicked);
@@ -222,8 +210,7 @@ void SegmentDisplayTest::clockClickIsReported()
     QCOMPARE(spy.count(), 1);
 }
 
-void SegmentDisplayTest::saveRenderingsForInspection()
-{
+void SegmentDisplayTest::saveRenderingsForInspection() {
     // Written into the build tree so a person can look at the drawing.
     QImage sheet(520, 140, QImage::Format_RGB32);
     sheet.fill(Qt::lightGray);
@@ -259,8 +246,8 @@ void SegmentDisplayTest::saveRenderingsForInspection()
     alphabet.resize(500, 30);
     alphabet.render(&painter, QPoint(10, 105));
     painter.end();
-    const QString path = qEnvironmentVariable("TONWERK_BINARY_DIR", ".") +
-                         QStringLiteral("/widgets-displays.png");
+    const QString path =
+        qEnvironmentVariable("TONWERK_BINARY_DIR", ".") + QStringLiteral("/widgets-displays.png");
     QVERIFY(sheet.save(path));
 }
 

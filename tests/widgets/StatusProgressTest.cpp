@@ -21,8 +21,7 @@ private slots:
     void missingBarImageIsRefused();
 };
 
-void StatusProgressTest::stepsWithinRange_data()
-{
+void StatusProgressTest::stepsWithinRange_data() {
     QTest::addColumn<int>("lower");
     QTest::addColumn<int>("upper");
     QTest::addColumn<int>("step");
@@ -37,8 +36,7 @@ void StatusProgressTest::stepsWithinRange_data()
     QTest::newRow("huge step saturates") << 0 << 10 << 2147483647 << 3 << 10;
 }
 
-void StatusProgressTest::stepsWithinRange()
-{
+void StatusProgressTest::stepsWithinRange() {
     QFETCH(int, lower);
     QFETCH(int, upper);
     QFETCH(int, step);
@@ -54,8 +52,7 @@ void StatusProgressTest::stepsWithinRange()
     QCOMPARE(bar.Pos(), expected);
 }
 
-void StatusProgressTest::emptyOrReversedRange()
-{
+void StatusProgressTest::emptyOrReversedRange() {
     // A practice text longer than 32767 characters arrives as a negative 16-bit length.
     CStatusProgress bar;
     bar.SetRange(0, -30000);
@@ -68,8 +65,7 @@ void StatusProgressTest::emptyOrReversedRange()
     QVERIFY(!bar.grab().isNull());
 }
 
-void StatusProgressTest::setPosReturnsOldAndClamps()
-{
+void StatusProgressTest::setPosReturnsOldAndClamps() {
     CStatusProgress bar;
     bar.SetRange(0, 50);
     QCOMPARE(bar.SetPos(20), 0);
@@ -84,8 +80,7 @@ void StatusProgressTest::setPosReturnsOldAndClamps()
     QCOMPARE(bar.StepIt(), 10);
 }
 
-void StatusProgressTest::workerStepsEndInRightValue()
-{
+void StatusProgressTest::workerStepsEndInRightValue() {
     CStatusProgress bar;
     bar.resize(200, 16);
     bar.show();
@@ -114,8 +109,7 @@ void StatusProgressTest::workerStepsEndInRightValue()
     QTRY_COMPARE(bar.ShownPos(), kThreads * kStepsEach);
 }
 
-void StatusProgressTest::stepperOutlivesTheBar()
-{
+void StatusProgressTest::stepperOutlivesTheBar() {
     auto bar = std::make_unique<CStatusProgress>();
     bar->SetRange(0, 100);
     bar->SetStep(1);
@@ -134,8 +128,7 @@ void StatusProgressTest::stepperOutlivesTheBar()
     step();
 }
 
-void StatusProgressTest::barImagePaintsFilledPart()
-{
+void StatusProgressTest::barImagePaintsFilledPart() {
     CStatusProgress bar;
     bar.resize(100, 16);
     QVERIFY(bar.SetBarImage(QString::fromLatin1(tonwerk::res::kBarSession)));
@@ -151,8 +144,7 @@ void StatusProgressTest::barImagePaintsFilledPart()
     QVERIFY2(!(empty.green() > empty.red() + 40), qPrintable(empty.name()));
 }
 
-void StatusProgressTest::missingBarImageIsRefused()
-{
+void StatusProgressTest::missingBarImageIsRefused() {
     CStatusProgress bar;
     QVERIFY(!bar.SetBarImage(QStringLiteral(":/tonwerk/bars/no-such-bar.svg")));
     QCOMPARE(bar.BarImage(), QString());
