@@ -5,6 +5,7 @@
 
 #include <QIcon>
 #include <QPainter>
+#include <QThread>
 #include <QTimerEvent>
 #include <algorithm>
 #include <atomic>
@@ -52,7 +53,6 @@ struct CStatusProgress::State {
 CStatusProgress::CStatusProgress(QWidget* parent)
     : QWidget(parent), m_state(std::make_shared<State>()) {
     tonwerk::res::InitResources();
-    m_timerId = startTimer(kRefreshMs);
 }
 
 CStatusProgress::~CStatusProgress() = default;
@@ -61,6 +61,7 @@ void CStatusProgress::SetRange(int lower, int upper) {
     m_state->lower = lower;
     m_state->upper = std::max(lower, upper);
     m_state->SetPos(m_state->pos.load());
+    RepaintIfOwnThread();
 }
 
 int CStatusProgress::Lower() const {
@@ -80,11 +81,38 @@ int CStatusProgress::Step() const {
 }
 
 int CStatusProgress::StepIt() {
-    return m_state->StepIt();
+    const int old = m_state->StepIt();
+    RepaintIfOwnThread();
+    return old;
 }
 
 int CStatusProgress::SetPos(int position) {
-    return m_state->SetPos(position);
+    const int old = m_state->SetPos(position);
+    RepaintIfOwnThread();
+    return old;
+}
+
+void CStatusProgress::RepaintIfOwnThread() {
+    // Other threads only touch the atomics; the timer picks their changes up.
+    if (QThread::currentThread() == thread()) {
+        update();
+    }
+}
+
+void CStatusProgress::showEvent(QShowEvent* event) {
+    // Polling only while visible keeps an idle program from waking up for nothing.
+    if (m_timerId == 0) {
+        m_timerId = startTimer(kRefreshMs);
+    }
+    QWidget::showEvent(event);
+}
+
+void CStatusProgress::hideEvent(QHideEvent* event) {
+    if (m_timerId != 0) {
+        killTimer(m_timerId);
+        m_timerId = 0;
+    }
+    QWidget::hideEvent(event);
 }
 
 int CStatusProgress::Pos() const {
