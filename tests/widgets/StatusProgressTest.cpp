@@ -4,6 +4,8 @@
 #include "res/TonwerkResources.h"
 
 #include <QTest>
+#include <atomic>
+#include <latch>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -86,22 +88,24 @@ void StatusProgressTest::workerStepsEndInRightValue() {
     bar.show();
     QVERIFY(QTest::qWaitForWindowExposed(&bar));
     constexpr int kThreads = 4;
-    constexpr int kStepsEach = 2500;
+    constexpr int kStepsEach = 100000;
     bar.SetRange(0, kThreads * kStepsEach);
     bar.SetStep(1);
     bar.SetPos(0);
+    std::latch start(kThreads);
+    std::atomic<int> finished{0};
     std::vector<std::thread> workers;
     for (int t = 0; t < kThreads; ++t) {
-        workers.emplace_back([&bar] {
+        workers.emplace_back([&] {
+            start.arrive_and_wait();  // all at once, so the steps really collide
             for (int i = 0; i < kStepsEach; ++i) {
                 bar.StepIt();
             }
+            ++finished;
         });
     }
     // The GUI thread keeps painting while the workers step.
-    while (bar.Pos() < kThreads * kStepsEach) {
-        QTest::qWait(5);
-    }
+    QTRY_VERIFY_WITH_TIMEOUT(finished.load() == kThreads, 60000);
     for (std::thread& worker : workers) {
         worker.join();
     }
