@@ -117,7 +117,7 @@ void CSegmentPainter::PaintCell(QPainter& painter, const QRectF& cell, std::uint
     if (w < 2 || h < 2) {
         return;
     }
-    const double t = std::max(1.0, std::min(w * 0.14, h * 0.08));  // segment thickness
+    const double t = std::max(1.0, std::min(w * 0.17, h * 0.1));  // segment thickness
     const double x0 = cell.left() + t;
     const double x1 = cell.right() - t * 1.6;  // room for the point on the right
     const double xm = (x0 + x1) / 2;
