@@ -135,6 +135,9 @@ void SegmentDisplayTest::segmentStyleLightsSegmentsInForeground() {
     display.SetStyleFlags(CSegmentDisplay::kStyleSegments);
     const int blankLit = CountColour(Render(display), QColor(0, 255, 0));
     QCOMPARE(blankLit, 0);
+    // A line break of the practice text arrives as a zero character and shows as nothing.
+    display.SetText(QString(QChar(0)));
+    QCOMPARE(CountColour(Render(display), QColor(0, 255, 0)), 0);
     display.SetText(QStringLiteral("8"));
     const int eightLit = CountColour(Render(display), QColor(0, 255, 0));
     display.SetText(QStringLiteral("1"));
