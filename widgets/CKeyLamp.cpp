@@ -6,7 +6,7 @@
 #include <QIcon>
 
 namespace {
-constexpr int kLampPixels = 64;  // rendered large; painting scales it to the control
+constexpr int kLampPixels = 128;  // rendered large; painting scales it to the control
 
 QPixmap LampPixmap(const char* path) {
     return QIcon(QString::fromLatin1(path)).pixmap(QSize(kLampPixels, kLampPixels));
