@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/CImageButton.h"
-#include "widgets/CSplashWnd.h"
 
 #include "res/TonwerkResources.h"
 
@@ -15,7 +14,6 @@ private slots:
     void missingImageLeavesNone();
     void recordToggleSwapsImage();
     void clickStillWorks();
-    void splashExistsHidden();
 };
 
 void ImageButtonTest::imageAtRequestedSize_data() {
@@ -67,18 +65,6 @@ void ImageButtonTest::clickStillWorks() {
     QSignalSpy clicked(&button, &QPushButton::clicked);
     QTest::mouseClick(&button, Qt::LeftButton);
     QCOMPARE(clicked.count(), 1);
-}
-
-void ImageButtonTest::splashExistsHidden() {
-    CSplashWnd splash;
-    QVERIFY(!splash.isVisible());
-    QVERIFY(splash.windowFlags() & Qt::SplashScreen);
-    splash.ShowSplash();
-    QVERIFY(splash.isVisible());
-    const QImage image = splash.grab().toImage();
-    QCOMPARE(image.size(), splash.size());
-    splash.CloseSplash();
-    QVERIFY(!splash.isVisible());
 }
 
 QTEST_MAIN(ImageButtonTest)
