@@ -72,6 +72,10 @@ void CSegmentDisplay::paintEvent(QPaintEvent* event) {
         QString shown = m_text;
         shown.remove(QChar(0));
         const QRectF area = QRectF(inner).adjusted(3, 3, -3, -3);
+        // An empty segment display still shows its unlit cell, as the real thing would.
+        if (shown.isEmpty() && (m_styleFlags & kStyleSegments)) {
+            shown = QStringLiteral(" ");
+        }
         if (!shown.isEmpty() && area.width() > 2 && area.height() > 2) {
             const bool segments = (m_styleFlags & kStyleSegments) || UsesSegmentsFor(shown);
             if (segments && CSegmentPainter::CanShow(shown)) {

@@ -135,6 +135,11 @@ void SegmentDisplayTest::segmentStyleLightsSegmentsInForeground() {
     display.SetStyleFlags(CSegmentDisplay::kStyleSegments);
     const int blankLit = CountColour(Render(display), QColor(0, 255, 0));
     QCOMPARE(blankLit, 0);
+    // Empty, it still shows the faint unlit segments of one cell.
+    QVERIFY(CountColour(Render(display), QColor(0, 28, 0), 12) > 30);
+    display.SetStyleFlags(0);
+    QCOMPARE(CountColour(Render(display), QColor(0, 28, 0), 12), 0);
+    display.SetStyleFlags(CSegmentDisplay::kStyleSegments);
     // A line break of the practice text arrives as a zero character and shows as nothing.
     display.SetText(QString(QChar(0)));
     QCOMPARE(CountColour(Render(display), QColor(0, 255, 0)), 0);
