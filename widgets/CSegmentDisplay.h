@@ -7,7 +7,8 @@
 
 /// Sunken display of a short text, drawn by the widget itself so that it stays sharp at any
 /// size. With kStyleSegments every character is drawn as a lit fourteen-segment cell (unlit
-/// segments faintly visible); otherwise the text is drawn in the widget's font, scaled to fit.
+/// segments faintly visible, so an empty display shows one unlit cell); otherwise the text is
+/// drawn in the widget's font, scaled to fit. Zero characters in the text show as nothing.
 class CSegmentDisplay : public QFrame {
     Q_OBJECT
 public:
