@@ -14,4 +14,7 @@ public:
     void SetTime(int hours, int minutes, int seconds);
     /// The text SetTime shows for these values.
     static QString FormatTime(int hours, int minutes, int seconds);
+
+protected:
+    bool UsesSegmentsFor(const QString& text) const override;
 };

@@ -44,8 +44,12 @@ signals:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    /// Whether text is drawn as segments even without kStyleSegments (the clock's digits).
+    virtual bool UsesSegmentsFor(const QString& text) const;
 
 private:
+    void PaintFontText(QPainter& painter, const QRectF& area, const QString& text);
+
     QString m_text;
     QColor m_foreground{Qt::black};
     QColor m_backgroundTop{Qt::white};
