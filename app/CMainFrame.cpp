@@ -297,16 +297,24 @@ CStatusProgress* CMainFrame::ResetProgress() {
 
 void CMainFrame::moveEvent(QMoveEvent* event) {
     QMainWindow::moveEvent(event);
-    m_rectWindow = frameGeometry();
+    m_rectWindow = WindowRectNow();
 }
 
 void CMainFrame::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
-    m_rectWindow = frameGeometry();
+    m_rectWindow = WindowRectNow();
+}
+
+QRect CMainFrame::WindowRectNow() const {
+    // The outer corner is where move() puts the window; the size is what resize() takes, so a
+    // stored placement comes back exactly, whatever the window manager adds around the frame.
+    return QRect(frameGeometry().topLeft(), size());
 }
 
 void CMainFrame::SavePlacement() {
-    m_rectWindow = isVisible() ? frameGeometry() : m_rectWindow;
+    if (isVisible()) {
+        m_rectWindow = WindowRectNow();
+    }
     const QByteArray state = saveState().toBase64();
     m_profile.WriteString(kBarStateSection, kBarStateEntry, state.toStdString());
     const int x = m_rectWindow.left();

@@ -70,6 +70,7 @@ private:
     void CreateToolBar();
     void CreateStatusBar();
     void SavePlacement();
+    QRect WindowRectNow() const;
     QAction* AddAction(int command, const QString& text, const QString& prompt,
                        const char* icon = nullptr);
     void OnAbout();

@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 
 #include "app/CTonwerkDoc.h"
+#include "res/TonwerkResources.h"
 
 namespace {
 
@@ -22,7 +23,7 @@ CPropSheet::CPropSheet(CTonwerkDoc* doc, QWidget* parent) : QDialog(parent), m_d
     setObjectName("PropSheet");
     auto* layout = new QVBoxLayout(this);
     m_tabs = new QTabWidget(this);
-    const QIcon pageIcon(QStringLiteral(":/res/icons/page.svg"));
+    const QIcon pageIcon(QString::fromLatin1(tonwerk::res::kSheetPageIcon));
     m_tabs->addTab(&m_speed, pageIcon, tr("Speed"));
     m_tabs->addTab(&m_speech, pageIcon, tr("Speech"));
     layout->addWidget(m_tabs);
@@ -54,6 +55,11 @@ CPropSheet::CPropSheet(CTonwerkDoc* doc, QWidget* parent) : QDialog(parent), m_d
         }
     });
     resize(420, 360);
+}
+
+CPropSheet::~CPropSheet() {
+    // The pages go before the tab widget; their removal must not count as leaving a page.
+    m_tabs->disconnect(this);
 }
 
 QPushButton* CPropSheet::ApplyButton() const { return m_buttons->button(QDialogButtonBox::Apply); }

@@ -23,6 +23,7 @@ public:
     using Driver = std::function<int(CPropSheet&)>;
 
     CPropSheet(CTonwerkDoc* doc, QWidget* parent = nullptr);
+    ~CPropSheet() override;
 
     /// The eight values from the profile with the sheet's own defaults.
     void LoadFromProfile();

@@ -127,10 +127,13 @@ bool CTonwerkDoc::WriteFile(const QString& path) {
     }
     const std::string bytes = CCodeFile::Write(document);
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) ||
+    // Unbuffered, so a short write (full disk, file size limit) shows at once and the temporary
+    // file is thrown away instead of replacing the old one.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) ||
         file.write(bytes.data(), static_cast<qint64>(bytes.size())) !=
             static_cast<qint64>(bytes.size()) ||
         !file.commit()) {
+        file.cancelWriting();
         CModalSeam::Message(DialogParent(), tr("Cannot save %1: %2")
                                                 .arg(QDir::toNativeSeparators(path),
                                                      file.errorString()));

@@ -269,10 +269,10 @@ void CTonwerkView::RegisterLayout() {
         m_layout->AddWidget(widget, rect, topLeft, bottomRight);
     };
     add(m_previous, QRect(8, 8, 56, 64), fixed, fixed);
-    add(m_current, QRect(70, 8, 96, 84), fixed, fixed);
+    add(m_current, QRect(70, 8, 96, 64), fixed, fixed);
     add(m_next, QRect(172, 8, 56, 64), fixed, fixed);
-    add(m_clock, QRect(8, 98, 220, 34), fixed, fixed);
-    add(m_keyLamp, QRect(8, 138, 220, 76), fixed, fixed);
+    add(m_clock, QRect(8, 78, 220, 32), fixed, fixed);
+    add(m_keyLamp, QRect(8, 114, 220, 60), fixed, fixed);
     add(m_wordRateSlider, QRect(238, 30, 434, 26), fixed, right);
     add(m_randomGroup, QRect(238, 64, 614, 58), fixed, right);
     add(Control(1049), QRect(684, 10, 112, 22), right, right);
@@ -316,6 +316,8 @@ void CTonwerkView::RegisterLayout() {
 
 void CTonwerkView::OnInitialUpdate() {
     m_loadingTexts = true;
+    // The form starts from its members' initial values, as every form's first update does.
+    UpdateData(false);
     QFont displayFont = font();
     displayFont.setBold(true);
     displayFont.setItalic(true);
@@ -339,6 +341,7 @@ void CTonwerkView::OnInitialUpdate() {
         m_wordRateSlider->setValue(m_wordRate);
     }
     m_strWordRate = tr("Set Words/Minute: %1").arg(m_wordRateSlider->value());
+    m_wordRateLabel->setText(m_strWordRate);
 
     m_clock->SetColours(QColor(0, 0, 255), QColor(Qt::white));
     m_clock->SetStyleFlags(CSegmentDisplay::kStyleGradient);
@@ -432,7 +435,7 @@ void CTonwerkView::CreateToolTips() {
         m_toolTip->AddTool(m_selection[static_cast<size_t>(i)],
                            QStringLiteral("<center><h2>The Letter %1</h2></center><br><hr "
                                           "color=green><br><h1> %2 </h1>")
-                               .arg(QLatin1Char(c), Latin1(m_doc->TextToCode({&c, 1}))));
+                               .arg(QString(QLatin1Char(c)), Latin1(m_doc->TextToCode({&c, 1}))));
     }
     const auto signs = CMorseAlphabet::ProSigns();
     for (int i = 0; i < kSignCount; ++i) {
@@ -445,7 +448,7 @@ void CTonwerkView::CreateToolTips() {
             m_selection[static_cast<size_t>(kLetterCount + kDigitCount + i)],
             QStringLiteral("<center><h2>The Pro Sign %1 (%2)</h2></center><br><hr "
                            "color=green><br><h1> %3 %4 </h1>")
-                .arg(QLatin1Char(c), group, pattern,
+                .arg(QString(QLatin1Char(c)), group, pattern,
                      QString::fromLatin1(sign.name.data(),
                                          static_cast<qsizetype>(sign.name.size()))));
     }
@@ -454,7 +457,7 @@ void CTonwerkView::CreateToolTips() {
         m_toolTip->AddTool(m_selection[static_cast<size_t>(kLetterCount + d)],
                            QStringLiteral("<center><h2>The Number %1</h2></center><br><hr "
                                           "color=green><br><h1> %2 </h1>")
-                               .arg(QLatin1Char(c), Latin1(m_doc->TextToCode({&c, 1}))));
+                               .arg(QString(QLatin1Char(c)), Latin1(m_doc->TextToCode({&c, 1}))));
     }
     m_toolTip->Activate(true);
 }
