@@ -3,6 +3,10 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QApplication>
+#include <QFile>
+#include <QMimeData>
+#include <QUrl>
 #include <QLabel>
 #include <QSlider>
 
@@ -163,6 +167,42 @@ private slots:
         QCOMPARE(frame.windowTitle(), QStringLiteral("Unknown - Tonwerk"));
         Doc().SetTitle(QString());
         QCOMPARE(frame.windowTitle(), QStringLiteral("Untitled - Tonwerk"));
+    }
+
+    void droppedFileOpensAndBarStateIsStored() {
+        const QString path = TempPath("dropped.code");
+        {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(QByteArray("\x01" "K" "\x04" " -.-", 7));
+        }
+        CMainFrame& frame = NewFrame();
+        frame.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&frame));
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(path)});
+        const QPoint centre = frame.rect().center();
+        QDragEnterEvent enter(centre, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&frame, &enter);
+        QVERIFY(enter.isAccepted());
+        QDropEvent drop(QPointF(centre), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&frame, &drop);
+        QCOMPARE(View().PracticeText(), QStringLiteral("K"));
+        QCOMPARE(frame.windowTitle(), QStringLiteral("dropped.code - Tonwerk"));
+        QVERIFY(frame.close());
+        QVERIFY(!Profile().GetString("TonwerkApp", "BarState", "").empty());
+    }
+
+    void closingAModifiedDocumentAsksAndCancelKeepsTheWindow() {
+        CMainFrame& frame = NewFrame();
+        frame.show();
+        View().SetTexts("A", " .-");
+        Doc().SetModifiedFlag(true);
+        CModalSeam::QueueButton(QMessageBox::Cancel);
+        QVERIFY(!frame.close());
+        QVERIFY(frame.isVisible());
+        CModalSeam::QueueButton(QMessageBox::No);
+        QVERIFY(frame.close());
     }
 
     void aboutBoxTexts() {

@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QSet>
 #include <QSlider>
+#include <QTextCursor>
 #include <QTextEdit>
 
 #include "AppTestFixture.h"
@@ -134,6 +135,10 @@ private slots:
         QCOMPARE(Code()->toPlainText(), QStringLiteral(" ... --- ... / --... ...-- ..--.."));
         QVERIFY(Frame().Progress());
         QCOMPARE(Frame().Progress()->Pos(), 0);
+        // The converted code is shown on the highlight colour.
+        QTextCursor cursor(Code()->document());
+        cursor.setPosition(3);
+        QCOMPARE(cursor.charFormat().background().color(), QColor(199, 216, 255));
         Practice()->clear();
         Click(1008);
         QCOMPARE(Practice()->toPlainText(), QStringLiteral("SOS 73?"));
