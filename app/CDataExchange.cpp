@@ -32,4 +32,6 @@ bool CDataExchange::Pull(QLineEdit* field, int& value, std::optional<Range> rang
     return true;
 }
 
-void CDataExchange::Push(QLineEdit* field, int value) { field->setText(QString::number(value)); }
+void CDataExchange::Push(QLineEdit* field, int value) {
+    field->setText(QString::number(value));
+}

@@ -116,41 +116,45 @@ void CMainFrame::CreateActions() {
     AddAction(kFileNew, tr("&New\tCtrl+N"), tr("Create a new document\nNew"), res::kFileNew);
     AddAction(kFileOpen, tr("&Open...\tCtrl+O"), tr("Open an existing document\nOpen"),
               res::kFileOpen);
-    AddAction(kFileSave, tr("&Save\tCtrl+S"), tr("Save the active document\nSave"),
-              res::kFileSave);
+    AddAction(kFileSave, tr("&Save\tCtrl+S"), tr("Save the active document\nSave"), res::kFileSave);
     AddAction(kFileSaveAs, tr("Save &As..."),
               tr("Save the active document with a new name\nSave As"));
     AddAction(kGenerateFile, tr("&Generate File"), QString(), res::kGenerateFile);
     AddAction(kAppExit, tr("E&xit"), tr("Quit the application; prompts to save documents\nExit"));
     AddAction(kEditUndo, tr("&Undo\tCtrl+Z"), tr("Undo the last action\nUndo"), res::kEditUndo);
-    AddAction(kEditCut, tr("Cu&t\tCtrl+X"), tr("Cut the selection and put it on the Clipboard\nCut"),
-              res::kEditCut);
+    AddAction(kEditCut, tr("Cu&t\tCtrl+X"),
+              tr("Cut the selection and put it on the Clipboard\nCut"), res::kEditCut);
     AddAction(kEditCopy, tr("&Copy\tCtrl+C"),
               tr("Copy the selection and put it on the Clipboard\nCopy"), res::kEditCopy);
     AddAction(kEditPaste, tr("&Paste\tCtrl+V"), tr("Insert Clipboard contents\nPaste"),
               res::kEditPaste);
-    AddAction(kEditSelectAll, tr("Select A&ll\tCtrl+A"), tr("Select the entire document\nSelect All"));
+    AddAction(kEditSelectAll, tr("Select A&ll\tCtrl+A"),
+              tr("Select the entire document\nSelect All"));
     AddAction(kConfig, tr("C&onfig"), tr("Edit Config"), res::kConfig);
     AddAction(kViewToolbar, tr("&Toolbar"), tr("Show or hide the toolbar\nToggle ToolBar"));
-    AddAction(kViewStatusBar, tr("&Status Bar"), tr("Show or hide the status bar\nToggle StatusBar"));
+    AddAction(kViewStatusBar, tr("&Status Bar"),
+              tr("Show or hide the status bar\nToggle StatusBar"));
     AddAction(kVolumeControl, tr("Volume Control"), tr("Launch the volume control utility"),
               res::kVolumeControl);
     AddAction(kCompletionTime, tr("&Calculate Completion Time\tCtrl+T"),
               tr("Run the estimation tool to get exercise completion time\\Calculate Time to "
                  "Complete"),
               res::kCompletionTime);
-    AddAction(kAllOn, tr("All &On"), tr("Turn On all characters to be used for random text generation"),
-              res::kAllOn);
+    AddAction(kAllOn, tr("All &On"),
+              tr("Turn On all characters to be used for random text generation"), res::kAllOn);
     AddAction(kAllOff, tr("All O&ff"),
               tr("Turn Off all characters to be used for random text generation"), res::kAllOff);
     AddAction(kDitCharacters, tr("D&it Characters"), tr("Select all letters that start with a Dit"),
               res::kDitCharacters);
     AddAction(kDahCharacters, tr("D&ah Characters"), tr("Select all letters that start with a Dah"),
               res::kDahCharacters);
-    AddAction(kOneTone, tr("&1 Tone Characters"), tr("Select all letters that contain a single tone"));
+    AddAction(kOneTone, tr("&1 Tone Characters"),
+              tr("Select all letters that contain a single tone"));
     AddAction(kTwoTones, tr("&2 Tone Characters"), tr("Select all letters that contain two tones"));
-    AddAction(kThreeTones, tr("&3 Tone Characters"), tr("Select all letters that contain three tones"));
-    AddAction(kFourTones, tr("&4 Tone Characters"), tr("Select all letters that contain four tones"));
+    AddAction(kThreeTones, tr("&3 Tone Characters"),
+              tr("Select all letters that contain three tones"));
+    AddAction(kFourTones, tr("&4 Tone Characters"),
+              tr("Select all letters that contain four tones"));
     AddAction(kNumbersToggle, tr("&Numbers Toggle"),
               tr("Toggle numbers to be used for random text generation"), res::kNumbersToggle);
     AddAction(kProSignsToggle, tr("&Pro Signs Toggle"),
@@ -164,10 +168,10 @@ void CMainFrame::CreateActions() {
               tr("Display program information, version number and copyright\nAbout"), res::kAbout);
 
     const std::pair<int, QKeySequence> shortcuts[] = {
-        {kFileNew, QKeySequence(tr("Ctrl+N"))},         {kFileOpen, QKeySequence(tr("Ctrl+O"))},
-        {kFileSave, QKeySequence(tr("Ctrl+S"))},        {kEditUndo, QKeySequence(tr("Ctrl+Z"))},
-        {kEditCut, QKeySequence(tr("Ctrl+X"))},         {kEditCopy, QKeySequence(tr("Ctrl+C"))},
-        {kEditPaste, QKeySequence(tr("Ctrl+V"))},       {kEditSelectAll, QKeySequence(tr("Ctrl+A"))},
+        {kFileNew, QKeySequence(tr("Ctrl+N"))},        {kFileOpen, QKeySequence(tr("Ctrl+O"))},
+        {kFileSave, QKeySequence(tr("Ctrl+S"))},       {kEditUndo, QKeySequence(tr("Ctrl+Z"))},
+        {kEditCut, QKeySequence(tr("Ctrl+X"))},        {kEditCopy, QKeySequence(tr("Ctrl+C"))},
+        {kEditPaste, QKeySequence(tr("Ctrl+V"))},      {kEditSelectAll, QKeySequence(tr("Ctrl+A"))},
         {kCompletionTime, QKeySequence(tr("Ctrl+T"))}, {kReadBack, QKeySequence(tr("Ctrl+B"))}};
     for (const auto& [command, keys] : shortcuts) {
         m_actions.value(command)->setShortcut(keys);
@@ -231,8 +235,7 @@ void CMainFrame::CreateMenus() {
     random->addActions(
         {Action(kOneTone), Action(kTwoTones), Action(kThreeTones), Action(kFourTones)});
     random->addSeparator();
-    random->addActions(
-        {Action(kNumbersToggle), Action(kProSignsToggle), Action(kDoubleSpace)});
+    random->addActions({Action(kNumbersToggle), Action(kProSignsToggle), Action(kDoubleSpace)});
     random->addSeparator();
     random->addAction(Action(kCallSigns));
     QMenu* recheck = bar->addMenu(tr("R&echeck"));

@@ -28,14 +28,36 @@ public:
 
     /// Command ids of the menu, as the status-bar prompts and tests name them.
     enum Command {
-        kFileNew = 57600, kFileOpen = 57601, kFileSave = 57603, kFileSaveAs = 57604,
-        kAppExit = 57665, kAppAbout = 57664, kEditUndo = 57643, kEditCut = 57635,
-        kEditCopy = 57634, kEditPaste = 57637, kEditSelectAll = 57642, kConfig = 32774,
-        kViewToolbar = 59392, kViewStatusBar = 59393, kVolumeControl = 32783,
-        kCompletionTime = 32791, kReadBack = 32792, kGenerateFile = 32795, kAllOn = 32771,
-        kAllOff = 32772, kDitCharacters = 32775, kDahCharacters = 32776, kOneTone = 32778,
-        kTwoTones = 32779, kThreeTones = 32780, kFourTones = 32781, kNumbersToggle = 32786,
-        kProSignsToggle = 32790, kCallSigns = 32793, kDoubleSpace = 32785
+        kFileNew = 57600,
+        kFileOpen = 57601,
+        kFileSave = 57603,
+        kFileSaveAs = 57604,
+        kAppExit = 57665,
+        kAppAbout = 57664,
+        kEditUndo = 57643,
+        kEditCut = 57635,
+        kEditCopy = 57634,
+        kEditPaste = 57637,
+        kEditSelectAll = 57642,
+        kConfig = 32774,
+        kViewToolbar = 59392,
+        kViewStatusBar = 59393,
+        kVolumeControl = 32783,
+        kCompletionTime = 32791,
+        kReadBack = 32792,
+        kGenerateFile = 32795,
+        kAllOn = 32771,
+        kAllOff = 32772,
+        kDitCharacters = 32775,
+        kDahCharacters = 32776,
+        kOneTone = 32778,
+        kTwoTones = 32779,
+        kThreeTones = 32780,
+        kFourTones = 32781,
+        kNumbersToggle = 32786,
+        kProSignsToggle = 32790,
+        kCallSigns = 32793,
+        kDoubleSpace = 32785
     };
 
     explicit CMainFrame(IProfile& profile, QWidget* parent = nullptr);

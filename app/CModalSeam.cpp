@@ -20,12 +20,18 @@ SeamState& State() {
 
 }  // namespace
 
-void CModalSeam::SetScripted(bool scripted) { State().scripted = scripted; }
-bool CModalSeam::IsScripted() { return State().scripted; }
+void CModalSeam::SetScripted(bool scripted) {
+    State().scripted = scripted;
+}
+bool CModalSeam::IsScripted() {
+    return State().scripted;
+}
 void CModalSeam::QueueButton(QMessageBox::StandardButton button) {
     State().buttons.push_back(button);
 }
-void CModalSeam::QueueFileName(const QString& fileName) { State().fileNames.push_back(fileName); }
+void CModalSeam::QueueFileName(const QString& fileName) {
+    State().fileNames.push_back(fileName);
+}
 
 void CModalSeam::Reset() {
     State().buttons.clear();
@@ -33,7 +39,9 @@ void CModalSeam::Reset() {
     State().messages.clear();
 }
 
-const QStringList& CModalSeam::Messages() { return State().messages; }
+const QStringList& CModalSeam::Messages() {
+    return State().messages;
+}
 
 QMessageBox::StandardButton CModalSeam::Message(QWidget* parent, const QString& text,
                                                 QMessageBox::StandardButtons buttons,
@@ -72,8 +80,8 @@ QString CModalSeam::OpenFileName(QWidget* parent, const QString& filter) {
     return QFileDialog::getOpenFileName(parent, QObject::tr("Open"), QString(), filter);
 }
 
-QString CModalSeam::SaveFileName(QWidget* parent, const QString& initialName,
-                                 const QString& filter, const QString& defaultSuffix) {
+QString CModalSeam::SaveFileName(QWidget* parent, const QString& initialName, const QString& filter,
+                                 const QString& defaultSuffix) {
     if (auto scripted = TakeFileName()) {
         return *scripted;
     }

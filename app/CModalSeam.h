@@ -25,13 +25,13 @@ public:
     /// Texts of the message boxes shown (or answered) since the last Reset.
     static const QStringList& Messages();
 
-    static QMessageBox::StandardButton Message(QWidget* parent, const QString& text,
-                                               QMessageBox::StandardButtons buttons =
-                                                   QMessageBox::Ok,
-                                               QMessageBox::Icon icon = QMessageBox::Warning);
+    static QMessageBox::StandardButton Message(
+        QWidget* parent, const QString& text,
+        QMessageBox::StandardButtons buttons = QMessageBox::Ok,
+        QMessageBox::Icon icon = QMessageBox::Warning);
     static QString OpenFileName(QWidget* parent, const QString& filter);
-    static QString SaveFileName(QWidget* parent, const QString& initialName,
-                                const QString& filter, const QString& defaultSuffix);
+    static QString SaveFileName(QWidget* parent, const QString& initialName, const QString& filter,
+                                const QString& defaultSuffix);
 
 private:
     static std::optional<QString> TakeFileName();

@@ -37,8 +37,8 @@ CPropPageSpeed::CPropPageSpeed(QWidget* parent) : QWidget(parent) {
     m_editTone = MakeField(this, 1051, "editToneMHz");
     m_editRate = MakeField(this, 1052, "editWordRate");
     const std::pair<const char*, QLineEdit*> rows[] = {
-        {"Dit Speed:", m_editDit},   {"Dah Speed:", m_editDah}, {"Char to Char:", m_editChar},
-        {"Next Word:", m_editWord},  {"Tone MHz:", m_editTone}, {"Words per min:", m_editRate}};
+        {"Dit Speed:", m_editDit},  {"Dah Speed:", m_editDah}, {"Char to Char:", m_editChar},
+        {"Next Word:", m_editWord}, {"Tone MHz:", m_editTone}, {"Words per min:", m_editRate}};
     int row = 0;
     for (const auto& [text, field] : rows) {
         auto* label = new QLabel(tr(text), this);
@@ -67,7 +67,8 @@ CPropPageSpeed::CPropPageSpeed(QWidget* parent) : QWidget(parent) {
 }
 
 QLineEdit* CPropPageSpeed::Field(int id) const {
-    for (QLineEdit* field : {m_editDit, m_editDah, m_editChar, m_editWord, m_editTone, m_editRate}) {
+    for (QLineEdit* field :
+         {m_editDit, m_editDah, m_editChar, m_editWord, m_editTone, m_editRate}) {
         if (field->property("controlId").toInt() == id) {
             return field;
         }

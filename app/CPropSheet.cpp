@@ -27,10 +27,8 @@ CPropSheet::CPropSheet(CTonwerkDoc* doc, QWidget* parent) : QDialog(parent), m_d
     m_tabs->addTab(&m_speed, pageIcon, tr("Speed"));
     m_tabs->addTab(&m_speech, pageIcon, tr("Speech"));
     layout->addWidget(m_tabs);
-    m_buttons =
-        new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel |
-                                 QDialogButtonBox::Apply,
-                             this);
+    m_buttons = new QDialogButtonBox(
+        QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::Apply, this);
     layout->addWidget(m_buttons);
     ApplyButton()->setEnabled(false);
     connect(m_buttons, &QDialogButtonBox::accepted, this, &CPropSheet::accept);
@@ -62,8 +60,12 @@ CPropSheet::~CPropSheet() {
     m_tabs->disconnect(this);
 }
 
-QPushButton* CPropSheet::ApplyButton() const { return m_buttons->button(QDialogButtonBox::Apply); }
-QPushButton* CPropSheet::OkButton() const { return m_buttons->button(QDialogButtonBox::Ok); }
+QPushButton* CPropSheet::ApplyButton() const {
+    return m_buttons->button(QDialogButtonBox::Apply);
+}
+QPushButton* CPropSheet::OkButton() const {
+    return m_buttons->button(QDialogButtonBox::Ok);
+}
 
 void CPropSheet::LoadFromProfile() {
     const CodeTiming timing = m_doc->Settings().ReadSheetTiming();
@@ -98,7 +100,9 @@ bool CPropSheet::UpdateActivePage() {
     return m_activePage == 0 ? m_speed.UpdateData(true) : m_speech.UpdateData(true);
 }
 
-void CPropSheet::SetModified(bool modified) { ApplyButton()->setEnabled(modified); }
+void CPropSheet::SetModified(bool modified) {
+    ApplyButton()->setEnabled(modified);
+}
 
 bool CPropSheet::OnApply() {
     if (!UpdateActivePage()) {
@@ -115,7 +119,9 @@ void CPropSheet::accept() {
     }
 }
 
-void CPropSheet::SetDriver(Driver driver) { SheetDriver() = std::move(driver); }
+void CPropSheet::SetDriver(Driver driver) {
+    SheetDriver() = std::move(driver);
+}
 
 int CPropSheet::Run(CPropSheet& sheet) {
     if (SheetDriver()) {

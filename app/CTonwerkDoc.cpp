@@ -35,12 +35,14 @@ void CTonwerkDoc::SetModifiedFlag(bool modified) {
     }
 }
 
-QWidget* CTonwerkDoc::DialogParent() const { return m_view; }
+QWidget* CTonwerkDoc::DialogParent() const {
+    return m_view;
+}
 
 QString CTonwerkDoc::FileNameOf(const QString& path) {
     // The native separator as well as "/" so that names typed the Windows way still split.
-    const qsizetype slash = std::max(path.lastIndexOf(QLatin1Char('/')),
-                                     path.lastIndexOf(QLatin1Char('\\')));
+    const qsizetype slash =
+        std::max(path.lastIndexOf(QLatin1Char('/')), path.lastIndexOf(QLatin1Char('\\')));
     return slash < 0 ? path : path.mid(slash + 1);
 }
 
@@ -91,19 +93,18 @@ bool CTonwerkDoc::OpenFile(const QString& path) {
     }
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        CModalSeam::Message(DialogParent(), tr("Cannot open %1: %2")
-                                                .arg(QDir::toNativeSeparators(path),
-                                                     file.errorString()));
+        CModalSeam::Message(
+            DialogParent(),
+            tr("Cannot open %1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
         return false;
     }
     const QByteArray bytes = file.readAll();
     const CodeFileResult result =
         CCodeFile::Read(std::string_view(bytes.constData(), static_cast<size_t>(bytes.size())));
     if (!result) {
-        CModalSeam::Message(DialogParent(),
-                            tr("%1 is not a Tonwerk practice file: %2")
-                                .arg(QDir::toNativeSeparators(path),
-                                     QString::fromStdString(result.error)));
+        CModalSeam::Message(DialogParent(), tr("%1 is not a Tonwerk practice file: %2")
+                                                .arg(QDir::toNativeSeparators(path),
+                                                     QString::fromStdString(result.error)));
         return false;
     }
     const QString fileName = FileNameOf(path);
@@ -134,9 +135,9 @@ bool CTonwerkDoc::WriteFile(const QString& path) {
             static_cast<qint64>(bytes.size()) ||
         !file.commit()) {
         file.cancelWriting();
-        CModalSeam::Message(DialogParent(), tr("Cannot save %1: %2")
-                                                .arg(QDir::toNativeSeparators(path),
-                                                     file.errorString()));
+        CModalSeam::Message(
+            DialogParent(),
+            tr("Cannot save %1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
         return false;
     }
     return true;
@@ -154,8 +155,8 @@ void CTonwerkDoc::OnFileSave() {
 }
 
 void CTonwerkDoc::OnFileSaveAs() {
-    const QString path = CModalSeam::SaveFileName(DialogParent(), m_title,
-                                                  QString::fromLatin1(kFilter), "code");
+    const QString path =
+        CModalSeam::SaveFileName(DialogParent(), m_title, QString::fromLatin1(kFilter), "code");
     if (path.isEmpty()) {
         return;
     }

@@ -79,7 +79,9 @@ QString SignCaption(char c) {
 
 }  // namespace
 
-void CTonwerkView::SetDefaultAudioHooks(AudioHooks hooks) { DefaultHooks() = std::move(hooks); }
+void CTonwerkView::SetDefaultAudioHooks(AudioHooks hooks) {
+    DefaultHooks() = std::move(hooks);
+}
 
 CTonwerkView::CTonwerkView(CTonwerkDoc* doc, CMainFrame* frame, QWidget* parent)
     : QWidget(parent), m_doc(doc), m_frame(frame), m_notifyTarget(this), m_audio(DefaultHooks()) {
@@ -417,19 +419,27 @@ void CTonwerkView::SaveSelection() {
 void CTonwerkView::CreateToolTips() {
     m_toolTip = new CHtmlToolTip(this);
     m_toolTip->SetIcon(QString::fromLatin1(tonwerk::res::kToolTipIcon));
-    m_toolTip->AddTool(m_random, QStringLiteral(
-        "<center><h2>Generate Random</h2></center><br><hr color=green><br><h4>Generates random "
-        "sequences<br>of characters and groups<br>them into words</h4>"));
-    m_toolTip->AddTool(m_record, QStringLiteral(
-        "<center><h2>Record Session</h2></center><br><hr color=green><br><h4>Toggles Session "
-        "Recording<br>Press to record next session<br>At the end of the session<br>You'll be "
-        "prompted for a file name<br>To save the recorded session to</h4>"));
-    m_toolTip->AddTool(m_pitchSlider, QStringLiteral(
-        "<center><h2>Pitch Control</h2></center><br><hr color=green><br><h4>Scroll left to "
-        "decrease and<br>right to increase pitch.</h4>"));
-    m_toolTip->AddTool(m_volumeSlider, QStringLiteral(
-        "<center><h2>Volume Control</h2></center><br><hr color=green><br><h4>Scroll left to "
-        "decrease and<br>right to increase volume.</h4>"));
+    m_toolTip->AddTool(
+        m_random,
+        QStringLiteral(
+            "<center><h2>Generate Random</h2></center><br><hr color=green><br><h4>Generates random "
+            "sequences<br>of characters and groups<br>them into words</h4>"));
+    m_toolTip->AddTool(
+        m_record,
+        QStringLiteral(
+            "<center><h2>Record Session</h2></center><br><hr color=green><br><h4>Toggles Session "
+            "Recording<br>Press to record next session<br>At the end of the session<br>You'll be "
+            "prompted for a file name<br>To save the recorded session to</h4>"));
+    m_toolTip->AddTool(
+        m_pitchSlider,
+        QStringLiteral(
+            "<center><h2>Pitch Control</h2></center><br><hr color=green><br><h4>Scroll left to "
+            "decrease and<br>right to increase pitch.</h4>"));
+    m_toolTip->AddTool(
+        m_volumeSlider,
+        QStringLiteral(
+            "<center><h2>Volume Control</h2></center><br><hr color=green><br><h4>Scroll left to "
+            "decrease and<br>right to increase volume.</h4>"));
     for (int i = 0; i < kLetterCount; ++i) {
         const char c = static_cast<char>('A' + i);
         m_toolTip->AddTool(m_selection[static_cast<size_t>(i)],
@@ -442,15 +452,13 @@ void CTonwerkView::CreateToolTips() {
         const ProSign& sign = signs[static_cast<size_t>(i)];
         const char c = sign.character;
         const QString pattern = Latin1(m_doc->TextToCode({&c, 1})).trimmed();
-        const QString group =
-            Latin1(m_doc->PatternToText(pattern.toLatin1().toStdString(), true));
-        m_toolTip->AddTool(
-            m_selection[static_cast<size_t>(kLetterCount + kDigitCount + i)],
-            QStringLiteral("<center><h2>The Pro Sign %1 (%2)</h2></center><br><hr "
-                           "color=green><br><h1> %3 %4 </h1>")
-                .arg(QString(QLatin1Char(c)), group, pattern,
-                     QString::fromLatin1(sign.name.data(),
-                                         static_cast<qsizetype>(sign.name.size()))));
+        const QString group = Latin1(m_doc->PatternToText(pattern.toLatin1().toStdString(), true));
+        m_toolTip->AddTool(m_selection[static_cast<size_t>(kLetterCount + kDigitCount + i)],
+                           QStringLiteral("<center><h2>The Pro Sign %1 (%2)</h2></center><br><hr "
+                                          "color=green><br><h1> %3 %4 </h1>")
+                               .arg(QString(QLatin1Char(c)), group, pattern,
+                                    QString::fromLatin1(sign.name.data(),
+                                                        static_cast<qsizetype>(sign.name.size()))));
     }
     for (int d = 0; d < kDigitCount; ++d) {
         const char c = static_cast<char>('0' + d);
@@ -508,8 +516,12 @@ bool CTonwerkView::UpdateData(bool saveAndValidate) {
     return true;
 }
 
-QString CTonwerkView::PracticeText() const { return m_practiceEdit->toPlainText(); }
-QString CTonwerkView::CodeText() const { return m_codeEdit->toPlainText(); }
+QString CTonwerkView::PracticeText() const {
+    return m_practiceEdit->toPlainText();
+}
+QString CTonwerkView::CodeText() const {
+    return m_codeEdit->toPlainText();
+}
 
 void CTonwerkView::SetTexts(const QString& practiceText, const QString& codeText) {
     const bool wasLoading = m_loadingTexts;
@@ -658,32 +670,51 @@ void CTonwerkView::OnEditCommand(int command) {
     QWidget* focus = QApplication::focusWidget();
     if (auto* edit = qobject_cast<QTextEdit*>(focus)) {
         switch (command) {
-            case kEditCopy: edit->copy(); break;
-            case kEditCut: edit->cut(); break;
-            case kEditPaste: edit->paste(); break;
-            case kEditUndo: edit->undo(); break;
+            case kEditCopy:
+                edit->copy();
+                break;
+            case kEditCut:
+                edit->cut();
+                break;
+            case kEditPaste:
+                edit->paste();
+                break;
+            case kEditUndo:
+                edit->undo();
+                break;
             case kEditSelectAll:
                 edit->selectAll();
                 edit->ensureCursorVisible();
                 break;
-            default: break;
+            default:
+                break;
         }
     } else if (auto* line = qobject_cast<QLineEdit*>(focus)) {
         switch (command) {
-            case kEditCopy: line->copy(); break;
-            case kEditCut: line->cut(); break;
-            case kEditPaste: line->paste(); break;
-            case kEditUndo: line->undo(); break;
-            case kEditSelectAll: line->selectAll(); break;
-            default: break;
+            case kEditCopy:
+                line->copy();
+                break;
+            case kEditCut:
+                line->cut();
+                break;
+            case kEditPaste:
+                line->paste();
+                break;
+            case kEditUndo:
+                line->undo();
+                break;
+            case kEditSelectAll:
+                line->selectAll();
+                break;
+            default:
+                break;
         }
     }
 }
 
 void CTonwerkView::contextMenuEvent(QContextMenuEvent* event) {
-    const QPoint point = event->reason() == QContextMenuEvent::Keyboard
-                             ? mapToGlobal(QPoint(5, 5))
-                             : event->globalPos();
+    const QPoint point = event->reason() == QContextMenuEvent::Keyboard ? mapToGlobal(QPoint(5, 5))
+                                                                        : event->globalPos();
     bool inside = false;
     for (QTextEdit* edit : {m_practiceEdit, m_codeEdit}) {
         inside = inside || edit->rect().contains(edit->mapFromGlobal(point));

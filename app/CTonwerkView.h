@@ -85,8 +85,13 @@ public:
     static QString VolumeControlProgram();
 
     /// Edit command ids, as the frame's menu uses them.
-    enum EditCommand { kEditCopy = 57634, kEditCut = 57635, kEditPaste = 57637,
-                       kEditSelectAll = 57642, kEditUndo = 57643 };
+    enum EditCommand {
+        kEditCopy = 57634,
+        kEditCut = 57635,
+        kEditPaste = 57637,
+        kEditSelectAll = 57642,
+        kEditUndo = 57643
+    };
 
     /// The context menu of the two text boxes, built once.
     QMenu* ContextMenu() const { return m_contextMenu; }
@@ -121,30 +126,30 @@ private:
     bool m_loadingTexts = false;
 
     // Controls, by form id.
-    CSegmentDisplay* m_current = nullptr;  // 1006
-    CKeyLamp* m_keyLamp = nullptr;         // 1000
-    QLabel* m_wordRateLabel = nullptr;     // 1004
-    QLineEdit* m_farnsworthEdit = nullptr; // 1050
-    QCheckBox* m_speechCheck = nullptr;    // 1052
-    QCheckBox* m_muteCheck = nullptr;      // 1051
-    QSlider* m_wordRateSlider = nullptr;   // 1003
-    QGroupBox* m_randomGroup = nullptr;    // 1045
-    QLineEdit* m_wordCountEdit = nullptr;  // 1041
-    QLineEdit* m_wordSizeEdit = nullptr;   // 1043
-    CSegmentDisplay* m_next = nullptr;     // 1010
-    CSegmentDisplay* m_previous = nullptr; // 1037
-    CClockDisplay* m_clock = nullptr;      // 1040
-    CImageButton* m_listen = nullptr;      // 1005
-    CImageButton* m_record = nullptr;      // 1046
-    CImageButton* m_random = nullptr;      // 1009
-    QSlider* m_volumeSlider = nullptr;     // 1038
-    QSlider* m_pitchSlider = nullptr;      // 1039
-    QTextEdit* m_practiceEdit = nullptr;   // 1002
-    CImageButton* m_textToMorse = nullptr; // 1007
-    CImageButton* m_morseToText = nullptr; // 1008
-    QTextEdit* m_codeEdit = nullptr;       // 1001
-    QLabel* m_volumeLabel = nullptr;       // 1088
-    QLabel* m_pitchLabel = nullptr;        // 1089
+    CSegmentDisplay* m_current = nullptr;        // 1006
+    CKeyLamp* m_keyLamp = nullptr;               // 1000
+    QLabel* m_wordRateLabel = nullptr;           // 1004
+    QLineEdit* m_farnsworthEdit = nullptr;       // 1050
+    QCheckBox* m_speechCheck = nullptr;          // 1052
+    QCheckBox* m_muteCheck = nullptr;            // 1051
+    QSlider* m_wordRateSlider = nullptr;         // 1003
+    QGroupBox* m_randomGroup = nullptr;          // 1045
+    QLineEdit* m_wordCountEdit = nullptr;        // 1041
+    QLineEdit* m_wordSizeEdit = nullptr;         // 1043
+    CSegmentDisplay* m_next = nullptr;           // 1010
+    CSegmentDisplay* m_previous = nullptr;       // 1037
+    CClockDisplay* m_clock = nullptr;            // 1040
+    CImageButton* m_listen = nullptr;            // 1005
+    CImageButton* m_record = nullptr;            // 1046
+    CImageButton* m_random = nullptr;            // 1009
+    QSlider* m_volumeSlider = nullptr;           // 1038
+    QSlider* m_pitchSlider = nullptr;            // 1039
+    QTextEdit* m_practiceEdit = nullptr;         // 1002
+    CImageButton* m_textToMorse = nullptr;       // 1007
+    CImageButton* m_morseToText = nullptr;       // 1008
+    QTextEdit* m_codeEdit = nullptr;             // 1001
+    QLabel* m_volumeLabel = nullptr;             // 1088
+    QLabel* m_pitchLabel = nullptr;              // 1089
     std::array<QPushButton*, 58> m_selection{};  // letters, digits 0..9, pro signs
 
     // Values exchanged with the controls.

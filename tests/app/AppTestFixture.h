@@ -24,8 +24,8 @@ public:
 
     void NewProfile() {
         m_frame.reset();
-        m_profile = std::make_unique<CQtProfile>(m_dir.filePath(
-            QStringLiteral("profile-%1.conf").arg(++m_profileCount)));
+        m_profile = std::make_unique<CQtProfile>(
+            m_dir.filePath(QStringLiteral("profile-%1.conf").arg(++m_profileCount)));
     }
 
     CMainFrame& NewFrame() {

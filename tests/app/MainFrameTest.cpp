@@ -5,10 +5,10 @@
 #include <QAction>
 #include <QApplication>
 #include <QFile>
-#include <QMimeData>
-#include <QUrl>
 #include <QLabel>
+#include <QMimeData>
 #include <QSlider>
+#include <QUrl>
 
 #include "AppTestFixture.h"
 #include "app/CAboutDlg.h"
@@ -37,7 +37,7 @@ private slots:
 
         CPropSheet sheet(&Doc());
         sheet.LoadFromProfile();
-        const std::pair<int, const char*> fields[] = {{1046, "1"}, {1047, "3"},  {1048, "3"},
+        const std::pair<int, const char*> fields[] = {{1046, "1"}, {1047, "3"},   {1048, "3"},
                                                       {1049, "7"}, {1051, "750"}, {1052, "15"}};
         for (const auto& [id, text] : fields) {
             QCOMPARE(sheet.Speed().Field(id)->text(), QString::fromLatin1(text));
@@ -122,7 +122,8 @@ private slots:
                               << "Open an existing document";
         QTest::newRow("save as") << int(CMainFrame::kFileSaveAs) << "Save &As..."
                                  << "Save the active document with a new name";
-        QTest::newRow("config") << int(CMainFrame::kConfig) << "C&onfig" << "Edit Config";
+        QTest::newRow("config") << int(CMainFrame::kConfig) << "C&onfig"
+                                << "Edit Config";
         QTest::newRow("volume") << int(CMainFrame::kVolumeControl) << "Volume Control"
                                 << "Launch the volume control utility";
         QTest::newRow("estimate")
@@ -174,7 +175,12 @@ private slots:
         {
             QFile file(path);
             QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write(QByteArray("\x01" "K" "\x04" " -.-", 7));
+            file.write(
+                QByteArray("\x01"
+                           "K"
+                           "\x04"
+                           " -.-",
+                           7));
         }
         CMainFrame& frame = NewFrame();
         frame.show();

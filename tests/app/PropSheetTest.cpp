@@ -38,9 +38,9 @@ private slots:
         for (QLabel* label : sheet.findChildren<QLabel*>()) {
             labels << label->text();
         }
-        for (const char* text : {"All uints measured in milli seconds", "Dit Speed:", "Dah Speed:",
-                                 "Char to Char:", "Next Word:", "Tone MHz:", "Words per min:",
-                                 "Delay speach after code by :"}) {
+        for (const char* text :
+             {"All uints measured in milli seconds", "Dit Speed:", "Dah Speed:", "Char to Char:",
+              "Next Word:", "Tone MHz:", "Words per min:", "Delay speach after code by :"}) {
             QVERIFY2(labels.contains(QString::fromLatin1(text)), text);
         }
         QCOMPARE(sheet.findChild<QPushButton*>("buttonFarnsworth")->text(),

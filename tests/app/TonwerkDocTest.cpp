@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/CTonwerkDoc.h"
 
+#include <sys/resource.h>
 #include <QFile>
 #include <QTextEdit>
 #include <csignal>
-#include <sys/resource.h>
 
 #include "AppTestFixture.h"
 #include "model/CCodeFile.h"
@@ -95,7 +95,11 @@ private slots:
         CModalSeam::QueueButton(QMessageBox::Yes);
         CModalSeam::QueueFileName(path);
         Doc().OnFileNew();
-        QCOMPARE(ReadAll(path), QByteArray("\x01" "E" "\x02" " .", 5));
+        QCOMPARE(ReadAll(path), QByteArray("\x01"
+                                           "E"
+                                           "\x02"
+                                           " .",
+                                           5));
         QVERIFY(Practice()->toPlainText().isEmpty());
     }
 
@@ -105,7 +109,11 @@ private slots:
         Code()->setPlainText(" .- -...");
         CModalSeam::QueueFileName(path);
         Doc().OnFileSave();
-        QCOMPARE(ReadAll(path), QByteArray("\x02" "AB" "\x08" " .- -...", 12));
+        QCOMPARE(ReadAll(path), QByteArray("\x02"
+                                           "AB"
+                                           "\x08"
+                                           " .- -...",
+                                           12));
         QCOMPARE(Doc().PathName(), path);
         QCOMPARE(Doc().Title(), QStringLiteral("lesson.code"));
         QCOMPARE(Frame().windowTitle(), QStringLiteral("lesson.code - Tonwerk"));
@@ -114,7 +122,8 @@ private slots:
         // Now titled: Save writes to the same path without asking.
         Practice()->setPlainText("ABC");
         Doc().OnFileSave();
-        QCOMPARE(ReadAll(path).left(4), QByteArray("\x03" "ABC"));
+        QCOMPARE(ReadAll(path).left(4), QByteArray("\x03"
+                                                   "ABC"));
     }
 
     void lengthPrefixesOnDisk_data() {
@@ -141,7 +150,11 @@ private slots:
 
     void openLoadsBothTexts() {
         const QString path = TempPath("saved.code");
-        WriteAll(path, QByteArray("\x03" "SOS" "\x0C" " ... --- ...", 17));
+        WriteAll(path, QByteArray("\x03"
+                                  "SOS"
+                                  "\x0C"
+                                  " ... --- ...",
+                                  17));
         CModalSeam::QueueFileName(path);
         Doc().OnFileOpen();
         QCOMPARE(Practice()->toPlainText(), QStringLiteral("SOS"));
@@ -164,8 +177,14 @@ private slots:
     void openOfABrokenFileKeepsTheDocument_data() {
         QTest::addColumn<QByteArray>("bytes");
         QTest::newRow("empty file") << QByteArray();
-        QTest::newRow("length beyond the end") << QByteArray("\x05" "AB", 3);
-        QTest::newRow("second string missing") << QByteArray("\x02" "AB", 3);
+        QTest::newRow("length beyond the end") << QByteArray(
+            "\x05"
+            "AB",
+            3);
+        QTest::newRow("second string missing") << QByteArray(
+            "\x02"
+            "AB",
+            3);
         QTest::newRow("cut 16-bit length") << QByteArray("\xFF\x10", 2);
     }
 
@@ -193,7 +212,10 @@ private slots:
         CModalSeam::QueueFileName(path);
         Doc().OnFileSave();
         const QByteArray old = ReadAll(path);
-        QCOMPARE(old, QByteArray("\x03" "OLD" "\x00", 5));
+        QCOMPARE(old, QByteArray("\x03"
+                                 "OLD"
+                                 "\x00",
+                                 5));
 
         Practice()->setPlainText(QString(400, QLatin1Char('N')));
         {

@@ -41,9 +41,9 @@ private slots:
         }
         QCOMPARE(ids.size(), 85);
         QCOMPARE(QSet<int>(ids.begin(), ids.end()).size(), 85);
-        const QList<int> head = {1006, 1000, 1004, 1049, 1050, 1052, 1051, 1003, 1045, 1042,
-                                 1041, 1044, 1043, 1010, 1037, 1040, 1005, 1046, 1009, 1038,
-                                 1079, 1080, 1081, 1082, 1083, 1084, 1085, 1086, 1087, 1078, 1039};
+        const QList<int> head = {1006, 1000, 1004, 1049, 1050, 1052, 1051, 1003, 1045, 1042, 1041,
+                                 1044, 1043, 1010, 1037, 1040, 1005, 1046, 1009, 1038, 1079, 1080,
+                                 1081, 1082, 1083, 1084, 1085, 1086, 1087, 1078, 1039};
         QCOMPARE(ids.mid(0, head.size()), head);
         QCOMPARE(ids.at(head.size()), 1056);
         QCOMPARE(ids.at(head.size() + 21), 1077);
@@ -60,9 +60,8 @@ private slots:
         QCOMPARE(Control<QAbstractButton>(1008)->text(), QStringLiteral("&Morse Code to Text"));
         QCOMPARE(Control<QLabel>(1049)->text(), QStringLiteral("Farnsworth Factor:"));
         QCOMPARE(Practice()->toPlainText(), QStringLiteral("Welcome to learning MORSE CODE"));
-        QCOMPARE(Code()->toPlainText(),
-                 QString::fromStdString(CMorseAlphabet::TextToCode(
-                     "Welcome to learning MORSE CODE", false)));
+        QCOMPARE(Code()->toPlainText(), QString::fromStdString(CMorseAlphabet::TextToCode(
+                                            "Welcome to learning MORSE CODE", false)));
         QCOMPARE(Control<QLineEdit>(1041)->text(), QStringLiteral("20"));
         QCOMPARE(Control<QLineEdit>(1043)->text(), QStringLiteral("5"));
         QCOMPARE(Control<QLineEdit>(1050)->text(), QStringLiteral("0"));
@@ -85,7 +84,8 @@ private slots:
         Practice()->setPlainText("PARIS ");
         slider->setValue(position);
         QCOMPARE(Profile().GetInt("Settings", "WordRate", -1), position);
-        QCOMPARE(Control<QLabel>(1004)->text(), QStringLiteral("Set Words/Minute: %1").arg(position));
+        QCOMPARE(Control<QLabel>(1004)->text(),
+                 QStringLiteral("Set Words/Minute: %1").arg(position));
         // The estimate follows the rate: 49 units of 1200 / WPM milliseconds.
         const int seconds = static_cast<int>(49 * 1.2 / position);
         QCOMPARE(Control<CClockDisplay>(1040)->Text(),
@@ -166,7 +166,8 @@ private slots:
         const QString farnsworth = "Please enter an integer between 0 and 99.";
         QTest::newRow("word count 0") << 1041 << "0" << count;
         QTest::newRow("word count 10001") << 1041 << "10001" << count;
-        QTest::newRow("word count text") << 1041 << "many" << "Please enter an integer.";
+        QTest::newRow("word count text") << 1041 << "many"
+                                         << "Please enter an integer.";
         QTest::newRow("farnsworth -1") << 1050 << "-1" << farnsworth;
         QTest::newRow("farnsworth 100") << 1050 << "100" << farnsworth;
     }
