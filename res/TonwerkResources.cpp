@@ -4,15 +4,13 @@
 #include <QtGlobal>
 
 // Q_INIT_RESOURCE must be used outside any namespace.
-static void InitTonwerkArt()
-{
+static void InitTonwerkArt() {
     Q_INIT_RESOURCE(tonwerk_art);
 }
 
 namespace tonwerk::res {
 
-void InitResources()
-{
+void InitResources() {
     // Registering twice is harmless for Qt, but a flag keeps it to one call anyway.
     static const bool s_done = (InitTonwerkArt(), true);
     (void)s_done;

@@ -42,7 +42,7 @@ inline constexpr char kButtonRandom[] = ":/tonwerk/buttons/random.svg";         
 inline constexpr char kButtonRecordOff[] = ":/tonwerk/buttons/record-off.svg";       // 183, 32x32
 inline constexpr char kButtonRecordOn[] = ":/tonwerk/buttons/record-on.svg";         // 184, 40x32
 
-inline constexpr char kToolTipIcon[] = ":/tonwerk/tooltip/tip.svg";    // 142
+inline constexpr char kToolTipIcon[] = ":/tonwerk/tooltip/tip.svg";   // 142
 inline constexpr char kSheetPageIcon[] = ":/tonwerk/sheet/page.svg";  // 175
 
 // Key lamp layers and progress-bar images.
@@ -53,13 +53,41 @@ inline constexpr char kBarSession[] = ":/tonwerk/bars/bar-session.svg";  // 2602
 
 /// Every path above, for checks that walk them all.
 inline constexpr std::array<std::string_view, 35> kAllPaths{
-    kAppIcon,        kFileNew,           kFileOpen,        kFileSave,         kEditCut,
-    kEditCopy,       kEditPaste,         kEditUndo,        kConfig,           kAbout,
-    kGenerateFile,   kVolumeControl,     kCompletionTime,  kReadBack,         kAllOn,
-    kAllOff,         kDitCharacters,     kDahCharacters,   kNumbersToggle,    kProSignsToggle,
-    kCallSigns,      kDoubleSpace,       kButtonMorseToText, kButtonListen,   kButtonBrowse,
-    kButtonTextToMorse, kButtonRandom,   kButtonRecordOff, kButtonRecordOn,   kToolTipIcon,
-    kSheetPageIcon,  kKeyUp,             kKeyDown,         kBarConvert,       kBarSession,
+    kAppIcon,
+    kFileNew,
+    kFileOpen,
+    kFileSave,
+    kEditCut,
+    kEditCopy,
+    kEditPaste,
+    kEditUndo,
+    kConfig,
+    kAbout,
+    kGenerateFile,
+    kVolumeControl,
+    kCompletionTime,
+    kReadBack,
+    kAllOn,
+    kAllOff,
+    kDitCharacters,
+    kDahCharacters,
+    kNumbersToggle,
+    kProSignsToggle,
+    kCallSigns,
+    kDoubleSpace,
+    kButtonMorseToText,
+    kButtonListen,
+    kButtonBrowse,
+    kButtonTextToMorse,
+    kButtonRandom,
+    kButtonRecordOff,
+    kButtonRecordOn,
+    kToolTipIcon,
+    kSheetPageIcon,
+    kKeyUp,
+    kKeyDown,
+    kBarConvert,
+    kBarSession,
 };
 
 /// Registers the artwork with the resource system; call once before the first use (the

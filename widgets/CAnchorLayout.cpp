@@ -6,27 +6,23 @@
 #include <algorithm>
 #include <cmath>
 
-CAnchorLayout::CAnchorLayout(QWidget* parent) : QLayout(parent)
-{
+CAnchorLayout::CAnchorLayout(QWidget* parent) : QLayout(parent) {
     setContentsMargins(0, 0, 0, 0);
 }
 
-CAnchorLayout::~CAnchorLayout()
-{
+CAnchorLayout::~CAnchorLayout() {
     for (Entry& entry : m_entries) {
         delete entry.item;
     }
 }
 
-void CAnchorLayout::SetBaseSize(const QSize& size)
-{
+void CAnchorLayout::SetBaseSize(const QSize& size) {
     m_baseSize = size.expandedTo(QSize(0, 0));
     invalidate();
 }
 
-void CAnchorLayout::AddWidget(QWidget* widget, const QRect& designRect,
-                              const QPoint& topLeftAnchor, const QPoint& bottomRightAnchor)
-{
+void CAnchorLayout::AddWidget(QWidget* widget, const QRect& designRect, const QPoint& topLeftAnchor,
+                              const QPoint& bottomRightAnchor) {
     if (widget == nullptr) {
         return;
     }
@@ -36,14 +32,13 @@ void CAnchorLayout::AddWidget(QWidget* widget, const QRect& designRect,
         return;
     }
     addChildWidget(widget);
-    m_entries.push_back(Entry{new QWidgetItem(widget), designRect, topLeftAnchor,
-                              bottomRightAnchor});
+    m_entries.push_back(
+        Entry{new QWidgetItem(widget), designRect, topLeftAnchor, bottomRightAnchor});
     invalidate();
 }
 
 bool CAnchorLayout::SetAnchors(QWidget* widget, const QPoint& topLeftAnchor,
-                               const QPoint& bottomRightAnchor)
-{
+                               const QPoint& bottomRightAnchor) {
     const int index = IndexOf(widget);
     if (index < 0) {
         return false;
@@ -54,8 +49,7 @@ bool CAnchorLayout::SetAnchors(QWidget* widget, const QPoint& topLeftAnchor,
     return true;
 }
 
-bool CAnchorLayout::SetDesignRect(QWidget* widget, const QRect& designRect)
-{
+bool CAnchorLayout::SetDesignRect(QWidget* widget, const QRect& designRect) {
     const int index = IndexOf(widget);
     if (index < 0) {
         return false;
@@ -65,16 +59,14 @@ bool CAnchorLayout::SetDesignRect(QWidget* widget, const QRect& designRect)
     return true;
 }
 
-QRect CAnchorLayout::DesignRect(const QWidget* widget) const
-{
+QRect CAnchorLayout::DesignRect(const QWidget* widget) const {
     const int index = IndexOf(widget);
     return index < 0 ? QRect() : m_entries[index].design;
 }
 
 QRect CAnchorLayout::AnchoredRect(const QRect& designRect, const QSize& baseSize,
                                   const QSize& formSize, const QPoint& topLeftAnchor,
-                                  const QPoint& bottomRightAnchor)
-{
+                                  const QPoint& bottomRightAnchor) {
     const int growX = std::max(0, formSize.width() - baseSize.width());
     const int growY = std::max(0, formSize.height() - baseSize.height());
     // Rounded shares, so two neighbours anchored at 50 meet at the same pixel.
@@ -89,8 +81,7 @@ QRect CAnchorLayout::AnchoredRect(const QRect& designRect, const QSize& baseSize
     return QRect(left, top, std::max(0, right - left), std::max(0, bottom - top));
 }
 
-void CAnchorLayout::addItem(QLayoutItem* item)
-{
+void CAnchorLayout::addItem(QLayoutItem* item) {
     // Items added the generic way keep their place and size as they are now.
     QRect design;
     if (QWidget* widget = item->widget()) {
@@ -102,18 +93,15 @@ void CAnchorLayout::addItem(QLayoutItem* item)
     invalidate();
 }
 
-int CAnchorLayout::count() const
-{
+int CAnchorLayout::count() const {
     return static_cast<int>(m_entries.size());
 }
 
-QLayoutItem* CAnchorLayout::itemAt(int index) const
-{
+QLayoutItem* CAnchorLayout::itemAt(int index) const {
     return (index >= 0 && index < count()) ? m_entries[index].item : nullptr;
 }
 
-QLayoutItem* CAnchorLayout::takeAt(int index)
-{
+QLayoutItem* CAnchorLayout::takeAt(int index) {
     if (index < 0 || index >= count()) {
         return nullptr;
     }
@@ -123,13 +111,11 @@ QLayoutItem* CAnchorLayout::takeAt(int index)
     return item;
 }
 
-QSize CAnchorLayout::sizeHint() const
-{
+QSize CAnchorLayout::sizeHint() const {
     return minimumSize();
 }
 
-QSize CAnchorLayout::minimumSize() const
-{
+QSize CAnchorLayout::minimumSize() const {
     QSize size = m_baseSize;
     if (size.isEmpty()) {
         // No base size given: the design rectangles' extent.
@@ -143,8 +129,7 @@ QSize CAnchorLayout::minimumSize() const
     return size.grownBy(margins);
 }
 
-void CAnchorLayout::setGeometry(const QRect& rect)
-{
+void CAnchorLayout::setGeometry(const QRect& rect) {
     QLayout::setGeometry(rect);
     const QRect inner = rect.marginsRemoved(contentsMargins());
     const QSize base = minimumSize().shrunkBy(contentsMargins());
@@ -162,13 +147,11 @@ void CAnchorLayout::setGeometry(const QRect& rect)
     }
 }
 
-Qt::Orientations CAnchorLayout::expandingDirections() const
-{
+Qt::Orientations CAnchorLayout::expandingDirections() const {
     return Qt::Horizontal | Qt::Vertical;
 }
 
-int CAnchorLayout::IndexOf(const QWidget* widget) const
-{
+int CAnchorLayout::IndexOf(const QWidget* widget) const {
     for (int i = 0; i < count(); ++i) {
         if (m_entries[i].item->widget() == widget) {
             return i;

@@ -8,19 +8,16 @@
 #include <QToolTip>
 #include <QWidget>
 
-CHtmlToolTip::CHtmlToolTip(QObject* parent) : QObject(parent)
-{
+CHtmlToolTip::CHtmlToolTip(QObject* parent) : QObject(parent) {
     tonwerk::res::InitResources();
 }
 
-void CHtmlToolTip::SetIcon(const QString& resourcePath, int size)
-{
+void CHtmlToolTip::SetIcon(const QString& resourcePath, int size) {
     m_iconPath = resourcePath;
     m_iconSize = size > 0 ? size : 32;
 }
 
-void CHtmlToolTip::AddTool(QWidget* tool, const QString& html)
-{
+void CHtmlToolTip::AddTool(QWidget* tool, const QString& html) {
     if (tool == nullptr) {
         return;
     }
@@ -33,26 +30,22 @@ void CHtmlToolTip::AddTool(QWidget* tool, const QString& html)
     m_tools.insert(tool, html);
 }
 
-void CHtmlToolTip::RemoveTool(QWidget* tool)
-{
+void CHtmlToolTip::RemoveTool(QWidget* tool) {
     if (tool != nullptr && m_tools.remove(tool) > 0) {
         tool->removeEventFilter(this);
         disconnect(tool, &QObject::destroyed, this, nullptr);
     }
 }
 
-bool CHtmlToolTip::HasTool(const QWidget* tool) const
-{
+bool CHtmlToolTip::HasTool(const QWidget* tool) const {
     return m_tools.contains(tool);
 }
 
-QString CHtmlToolTip::ToolText(const QWidget* tool) const
-{
+QString CHtmlToolTip::ToolText(const QWidget* tool) const {
     return m_tools.value(tool);
 }
 
-QString CHtmlToolTip::TipHtml(const QWidget* tool) const
-{
+QString CHtmlToolTip::TipHtml(const QWidget* tool) const {
     const auto it = m_tools.constFind(tool);
     if (it == m_tools.cend()) {
         return {};
@@ -64,21 +57,20 @@ QString CHtmlToolTip::TipHtml(const QWidget* tool) const
                    .arg(m_iconPath)
                    .arg(m_iconSize);
     }
-    return QStringLiteral("<html><table cellspacing=\"0\" cellpadding=\"4\"><tr>%1<td>%2</td>"
-                          "</tr></table></html>")
+    return QStringLiteral(
+               "<html><table cellspacing=\"0\" cellpadding=\"4\"><tr>%1<td>%2</td>"
+               "</tr></table></html>")
         .arg(icon, it.value());
 }
 
-void CHtmlToolTip::Activate(bool active)
-{
+void CHtmlToolTip::Activate(bool active) {
     m_active = active;
     if (!active) {
         QToolTip::hideText();
     }
 }
 
-bool CHtmlToolTip::eventFilter(QObject* watched, QEvent* event)
-{
+bool CHtmlToolTip::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::ToolTip && m_active) {
         auto* widget = qobject_cast<QWidget*>(watched);
         if (widget != nullptr && m_tools.contains(widget)) {

@@ -3,18 +3,15 @@
 
 #include "res/TonwerkResources.h"
 
-CImageButton::CImageButton(QWidget* parent) : QPushButton(parent)
-{
+CImageButton::CImageButton(QWidget* parent) : QPushButton(parent) {
     tonwerk::res::InitResources();
 }
 
-CImageButton::CImageButton(const QString& text, QWidget* parent) : QPushButton(text, parent)
-{
+CImageButton::CImageButton(const QString& text, QWidget* parent) : QPushButton(text, parent) {
     tonwerk::res::InitResources();
 }
 
-bool CImageButton::SetImage(const QString& resourcePath, const QSize& size)
-{
+bool CImageButton::SetImage(const QString& resourcePath, const QSize& size) {
     const QIcon icon(resourcePath);
     // QIcon accepts any path; only a real image gives a pixmap.
     if (icon.isNull() || icon.pixmap(size).isNull()) {
@@ -27,8 +24,7 @@ bool CImageButton::SetImage(const QString& resourcePath, const QSize& size)
     return true;
 }
 
-void CImageButton::SetImage(const QIcon& icon, const QSize& size)
-{
+void CImageButton::SetImage(const QIcon& icon, const QSize& size) {
     m_imagePath.clear();
     setIcon(icon);
     setIconSize(size);

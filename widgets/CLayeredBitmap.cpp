@@ -9,33 +9,28 @@
 #include <algorithm>
 
 namespace {
-bool IsEnter(const QKeyEvent* event)
-{
+bool IsEnter(const QKeyEvent* event) {
     return event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
 }
 }  // namespace
 
-CLayeredBitmap::CLayeredBitmap(QWidget* parent) : QFrame(parent)
-{
+CLayeredBitmap::CLayeredBitmap(QWidget* parent) : QFrame(parent) {
     // The straight key is the Enter key on this control, so it must be reachable by Tab and
     // by a click.
     setFocusPolicy(Qt::StrongFocus);
 }
 
-CLayeredBitmap::Layer* CLayeredBitmap::Find(int id)
-{
+CLayeredBitmap::Layer* CLayeredBitmap::Find(int id) {
     auto it = std::find_if(m_layers.begin(), m_layers.end(),
                            [id](const Layer& layer) { return layer.id == id; });
     return it == m_layers.end() ? nullptr : &*it;
 }
 
-const CLayeredBitmap::Layer* CLayeredBitmap::Find(int id) const
-{
+const CLayeredBitmap::Layer* CLayeredBitmap::Find(int id) const {
     return const_cast<CLayeredBitmap*>(this)->Find(id);
 }
 
-void CLayeredBitmap::AddLayer(int id, const QString& name, const QPixmap& pixmap, bool visible)
-{
+void CLayeredBitmap::AddLayer(int id, const QString& name, const QPixmap& pixmap, bool visible) {
     if (Layer* layer = Find(id)) {
         *layer = Layer{id, name, pixmap, visible};
     } else {
@@ -45,8 +40,7 @@ void CLayeredBitmap::AddLayer(int id, const QString& name, const QPixmap& pixmap
     update();
 }
 
-bool CLayeredBitmap::ShowLayer(int id, bool show)
-{
+bool CLayeredBitmap::ShowLayer(int id, bool show) {
     Layer* layer = Find(id);
     if (layer == nullptr) {
         return false;
@@ -58,25 +52,21 @@ bool CLayeredBitmap::ShowLayer(int id, bool show)
     return true;
 }
 
-bool CLayeredBitmap::IsLayerVisible(int id) const
-{
+bool CLayeredBitmap::IsLayerVisible(int id) const {
     const Layer* layer = Find(id);
     return layer != nullptr && layer->visible;
 }
 
-bool CLayeredBitmap::HasLayer(int id) const
-{
+bool CLayeredBitmap::HasLayer(int id) const {
     return Find(id) != nullptr;
 }
 
-QString CLayeredBitmap::LayerName(int id) const
-{
+QString CLayeredBitmap::LayerName(int id) const {
     const Layer* layer = Find(id);
     return layer == nullptr ? QString() : layer->name;
 }
 
-std::vector<int> CLayeredBitmap::VisibleLayers() const
-{
+std::vector<int> CLayeredBitmap::VisibleLayers() const {
     std::vector<int> ids;
     for (const Layer& layer : m_layers) {
         if (layer.visible) {
@@ -86,8 +76,7 @@ std::vector<int> CLayeredBitmap::VisibleLayers() const
     return ids;
 }
 
-QSize CLayeredBitmap::sizeHint() const
-{
+QSize CLayeredBitmap::sizeHint() const {
     QSize size(32, 32);
     for (const Layer& layer : m_layers) {
         size = size.expandedTo(layer.pixmap.deviceIndependentSize().toSize());
@@ -95,8 +84,7 @@ QSize CLayeredBitmap::sizeHint() const
     return size;
 }
 
-void CLayeredBitmap::paintEvent(QPaintEvent* event)
-{
+void CLayeredBitmap::paintEvent(QPaintEvent* event) {
     QFrame::paintEvent(event);
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform, true);
@@ -120,16 +108,14 @@ void CLayeredBitmap::paintEvent(QPaintEvent* event)
     }
 }
 
-void CLayeredBitmap::mouseReleaseEvent(QMouseEvent* event)
-{
+void CLayeredBitmap::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint())) {
         emit clicked();
     }
     QFrame::mouseReleaseEvent(event);
 }
 
-void CLayeredBitmap::keyPressEvent(QKeyEvent* event)
-{
+void CLayeredBitmap::keyPressEvent(QKeyEvent* event) {
     if (IsEnter(event)) {
         emit enterPressed(event->isAutoRepeat());
     }
@@ -137,8 +123,7 @@ void CLayeredBitmap::keyPressEvent(QKeyEvent* event)
     QFrame::keyPressEvent(event);
 }
 
-void CLayeredBitmap::keyReleaseEvent(QKeyEvent* event)
-{
+void CLayeredBitmap::keyReleaseEvent(QKeyEvent* event) {
     if (IsEnter(event)) {
         emit enterReleased(event->isAutoRepeat());
     }

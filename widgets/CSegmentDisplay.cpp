@@ -14,35 +14,30 @@ constexpr double kTextShare = 0.78;  // of the inner height, so the text never t
 constexpr int kUnlitAlpha = 28;
 }  // namespace
 
-CSegmentDisplay::CSegmentDisplay(QWidget* parent) : QFrame(parent)
-{
+CSegmentDisplay::CSegmentDisplay(QWidget* parent) : QFrame(parent) {
     setFrameStyle(QFrame::Panel | QFrame::Sunken);
     setLineWidth(2);
     setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
-void CSegmentDisplay::SetColours(const QColor& foreground, const QColor& background)
-{
+void CSegmentDisplay::SetColours(const QColor& foreground, const QColor& background) {
     SetColours(background, background, foreground);
 }
 
 void CSegmentDisplay::SetColours(const QColor& backgroundTop, const QColor& backgroundBottom,
-                                 const QColor& foreground)
-{
+                                 const QColor& foreground) {
     m_backgroundTop = backgroundTop;
     m_backgroundBottom = backgroundBottom;
     m_foreground = foreground;
     update();
 }
 
-void CSegmentDisplay::SetStyleFlags(unsigned flags)
-{
+void CSegmentDisplay::SetStyleFlags(unsigned flags) {
     m_styleFlags = flags;
     update();
 }
 
-void CSegmentDisplay::SetText(const QString& text)
-{
+void CSegmentDisplay::SetText(const QString& text) {
     if (text == m_text) {
         return;
     }
@@ -52,18 +47,15 @@ void CSegmentDisplay::SetText(const QString& text)
     update();
 }
 
-QSize CSegmentDisplay::sizeHint() const
-{
+QSize CSegmentDisplay::sizeHint() const {
     return {48, 40};
 }
 
-QSize CSegmentDisplay::minimumSizeHint() const
-{
+QSize CSegmentDisplay::minimumSizeHint() const {
     return {12, 12};
 }
 
-void CSegmentDisplay::paintEvent(QPaintEvent* event)
-{
+void CSegmentDisplay::paintEvent(QPaintEvent* event) {
     {
         QPainter painter(this);
         const QRect inner = contentsRect();
@@ -97,13 +89,11 @@ void CSegmentDisplay::paintEvent(QPaintEvent* event)
     QFrame::paintEvent(event);  // the sunken frame on top of the background
 }
 
-bool CSegmentDisplay::UsesSegmentsFor(const QString& /*text*/) const
-{
+bool CSegmentDisplay::UsesSegmentsFor(const QString& /*text*/) const {
     return false;
 }
 
-void CSegmentDisplay::PaintFontText(QPainter& painter, const QRectF& area, const QString& text)
-{
+void CSegmentDisplay::PaintFontText(QPainter& painter, const QRectF& area, const QString& text) {
     // The widget's font gives family, weight and slant; its size follows the display so the
     // character stays large and clear whatever the form's size.
     QFont font = this->font();
@@ -121,8 +111,7 @@ void CSegmentDisplay::PaintFontText(QPainter& painter, const QRectF& area, const
     painter.restore();
 }
 
-void CSegmentDisplay::mouseReleaseEvent(QMouseEvent* event)
-{
+void CSegmentDisplay::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint())) {
         emit clicked();
     }

@@ -12,29 +12,63 @@ namespace {
 
 // Segment letters: a..f ring, g/G middle left/right, h i j upper diagonal/centre/diagonal,
 // k l m lower diagonal/centre/diagonal, '.' point, 'u'/'v' colon dots.
-std::uint32_t FromLetters(const char* letters)
-{
+std::uint32_t FromLetters(const char* letters) {
     std::uint32_t bits = 0;
     for (const char* p = letters; *p; ++p) {
         switch (*p) {
-            case 'a': bits |= CSegmentPainter::kA; break;
-            case 'b': bits |= CSegmentPainter::kB; break;
-            case 'c': bits |= CSegmentPainter::kC; break;
-            case 'd': bits |= CSegmentPainter::kD; break;
-            case 'e': bits |= CSegmentPainter::kE; break;
-            case 'f': bits |= CSegmentPainter::kF; break;
-            case 'g': bits |= CSegmentPainter::kG1; break;
-            case 'G': bits |= CSegmentPainter::kG2; break;
-            case 'h': bits |= CSegmentPainter::kH; break;
-            case 'i': bits |= CSegmentPainter::kI; break;
-            case 'j': bits |= CSegmentPainter::kJ; break;
-            case 'k': bits |= CSegmentPainter::kK; break;
-            case 'l': bits |= CSegmentPainter::kL; break;
-            case 'm': bits |= CSegmentPainter::kM; break;
-            case '.': bits |= CSegmentPainter::kDot; break;
-            case 'u': bits |= CSegmentPainter::kColonUpper; break;
-            case 'v': bits |= CSegmentPainter::kColonLower; break;
-            default: break;
+            case 'a':
+                bits |= CSegmentPainter::kA;
+                break;
+            case 'b':
+                bits |= CSegmentPainter::kB;
+                break;
+            case 'c':
+                bits |= CSegmentPainter::kC;
+                break;
+            case 'd':
+                bits |= CSegmentPainter::kD;
+                break;
+            case 'e':
+                bits |= CSegmentPainter::kE;
+                break;
+            case 'f':
+                bits |= CSegmentPainter::kF;
+                break;
+            case 'g':
+                bits |= CSegmentPainter::kG1;
+                break;
+            case 'G':
+                bits |= CSegmentPainter::kG2;
+                break;
+            case 'h':
+                bits |= CSegmentPainter::kH;
+                break;
+            case 'i':
+                bits |= CSegmentPainter::kI;
+                break;
+            case 'j':
+                bits |= CSegmentPainter::kJ;
+                break;
+            case 'k':
+                bits |= CSegmentPainter::kK;
+                break;
+            case 'l':
+                bits |= CSegmentPainter::kL;
+                break;
+            case 'm':
+                bits |= CSegmentPainter::kM;
+                break;
+            case '.':
+                bits |= CSegmentPainter::kDot;
+                break;
+            case 'u':
+                bits |= CSegmentPainter::kColonUpper;
+                break;
+            case 'v':
+                bits |= CSegmentPainter::kColonLower;
+                break;
+            default:
+                break;
         }
     }
     return bits;
@@ -56,8 +90,7 @@ constexpr std::array<const char*, 64> kGlyphs{
 
 }  // namespace
 
-std::uint32_t CSegmentPainter::SegmentsOf(QChar c)
-{
+std::uint32_t CSegmentPainter::SegmentsOf(QChar c) {
     char16_t code = c.unicode();
     if (code >= u'a' && code <= u'z') {
         code = static_cast<char16_t>(code - u'a' + u'A');
@@ -68,27 +101,23 @@ std::uint32_t CSegmentPainter::SegmentsOf(QChar c)
     return FromLetters(kGlyphs[code - 32]);
 }
 
-double CSegmentPainter::CellWidthOf(QChar c)
-{
+double CSegmentPainter::CellWidthOf(QChar c) {
     return (c == u':' || c == u'.') ? 0.4 : 1.0;
 }
 
-bool CSegmentPainter::CanShow(const QString& text)
-{
-    return std::all_of(text.begin(), text.end(), [](QChar c) {
-        return c == u' ' || c == QChar(0) || SegmentsOf(c) != 0;
-    });
+bool CSegmentPainter::CanShow(const QString& text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](QChar c) { return c == u' ' || c == QChar(0) || SegmentsOf(c) != 0; });
 }
 
 void CSegmentPainter::PaintCell(QPainter& painter, const QRectF& cell, std::uint32_t segments,
-                                const QColor& lit, const QColor& unlit)
-{
+                                const QColor& lit, const QColor& unlit) {
     const double w = cell.width();
     const double h = cell.height();
     if (w < 2 || h < 2) {
         return;
     }
-    const double t = std::max(1.0, std::min(w * 0.14, h * 0.08));  // segment thickness
+    const double t = std::max(1.0, std::min(w * 0.17, h * 0.1));  // segment thickness
     const double x0 = cell.left() + t;
     const double x1 = cell.right() - t * 1.6;  // room for the point on the right
     const double xm = (x0 + x1) / 2;
@@ -104,13 +133,20 @@ void CSegmentPainter::PaintCell(QPainter& painter, const QRectF& cell, std::uint
         bool diagonal;
     };
     const std::array<Line, 14> lines{{
-        {kA, {x0, y0}, {x1, y0}, false},   {kB, {x1, y0}, {x1, ym}, false},
-        {kC, {x1, ym}, {x1, y2}, false},   {kD, {x0, y2}, {x1, y2}, false},
-        {kE, {x0, ym}, {x0, y2}, false},   {kF, {x0, y0}, {x0, ym}, false},
-        {kG1, {x0, ym}, {xm, ym}, false},  {kG2, {xm, ym}, {x1, ym}, false},
-        {kH, {x0, y0}, {xm, ym}, true},    {kI, {xm, y0}, {xm, ym}, false},
-        {kJ, {x1, y0}, {xm, ym}, true},    {kK, {x0, y2}, {xm, ym}, true},
-        {kL, {xm, ym}, {xm, y2}, false},   {kM, {x1, y2}, {xm, ym}, true},
+        {kA, {x0, y0}, {x1, y0}, false},
+        {kB, {x1, y0}, {x1, ym}, false},
+        {kC, {x1, ym}, {x1, y2}, false},
+        {kD, {x0, y2}, {x1, y2}, false},
+        {kE, {x0, ym}, {x0, y2}, false},
+        {kF, {x0, y0}, {x0, ym}, false},
+        {kG1, {x0, ym}, {xm, ym}, false},
+        {kG2, {xm, ym}, {x1, ym}, false},
+        {kH, {x0, y0}, {xm, ym}, true},
+        {kI, {xm, y0}, {xm, ym}, false},
+        {kJ, {x1, y0}, {xm, ym}, true},
+        {kK, {x0, y2}, {xm, ym}, true},
+        {kL, {xm, ym}, {xm, y2}, false},
+        {kM, {x1, y2}, {xm, ym}, true},
     }};
 
     // Slight slant, like the displays of real equipment.
@@ -175,8 +211,7 @@ void CSegmentPainter::PaintCell(QPainter& painter, const QRectF& cell, std::uint
 }
 
 void CSegmentPainter::PaintText(QPainter& painter, const QRectF& rect, const QString& text,
-                                const QColor& lit, const QColor& unlit)
-{
+                                const QColor& lit, const QColor& unlit) {
     if (text.isEmpty() || rect.width() < 2 || rect.height() < 2) {
         return;
     }

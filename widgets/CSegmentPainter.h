@@ -15,9 +15,22 @@ class CSegmentPainter {
 public:
     /// Segment bits: the outer ring a..f, the middle bars g1/g2, the diagonals and centre bars.
     enum Segment : std::uint32_t {
-        kA = 1u << 0, kB = 1u << 1, kC = 1u << 2, kD = 1u << 3, kE = 1u << 4, kF = 1u << 5,
-        kG1 = 1u << 6, kG2 = 1u << 7, kH = 1u << 8, kI = 1u << 9, kJ = 1u << 10, kK = 1u << 11,
-        kL = 1u << 12, kM = 1u << 13, kDot = 1u << 14, kColonUpper = 1u << 15,
+        kA = 1u << 0,
+        kB = 1u << 1,
+        kC = 1u << 2,
+        kD = 1u << 3,
+        kE = 1u << 4,
+        kF = 1u << 5,
+        kG1 = 1u << 6,
+        kG2 = 1u << 7,
+        kH = 1u << 8,
+        kI = 1u << 9,
+        kJ = 1u << 10,
+        kK = 1u << 11,
+        kL = 1u << 12,
+        kM = 1u << 13,
+        kDot = 1u << 14,
+        kColonUpper = 1u << 15,
         kColonLower = 1u << 16,
     };
 

@@ -16,15 +16,13 @@ constexpr int kIconSize = 96;
 }  // namespace
 
 CSplashWnd::CSplashWnd(QWidget* parent)
-    : QWidget(parent, Qt::SplashScreen | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
-{
+    : QWidget(parent, Qt::SplashScreen | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint) {
     tonwerk::res::InitResources();
     setFixedSize(kWidth, kHeight);
     setAttribute(Qt::WA_DeleteOnClose, false);
 }
 
-void CSplashWnd::ShowSplash()
-{
+void CSplashWnd::ShowSplash() {
     if (const QScreen* screen = QGuiApplication::primaryScreen()) {
         QRect where(QPoint(0, 0), size());
         where.moveCenter(screen->availableGeometry().center());
@@ -34,13 +32,11 @@ void CSplashWnd::ShowSplash()
     raise();
 }
 
-void CSplashWnd::CloseSplash()
-{
+void CSplashWnd::CloseSplash() {
     hide();
 }
 
-void CSplashWnd::paintEvent(QPaintEvent* /*event*/)
-{
+void CSplashWnd::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing, true);
     QLinearGradient gradient(0, 0, 0, height());

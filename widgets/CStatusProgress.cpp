@@ -5,6 +5,7 @@
 
 #include <QIcon>
 #include <QPainter>
+#include <QThread>
 #include <QTimerEvent>
 #include <algorithm>
 #include <atomic>
@@ -23,22 +24,19 @@ struct CStatusProgress::State {
     std::atomic<int> pos{0};
     std::atomic<unsigned> generation{0};
 
-    int Clamp(int value) const
-    {
+    int Clamp(int value) const {
         const int lo = lower.load();
         const int hi = std::max(lo, upper.load());
         return std::clamp(value, lo, hi);
     }
-    int Move(int (*next)(int current, int argument), int argument)
-    {
+    int Move(int (*next)(int current, int argument), int argument) {
         int old = pos.load();
         while (!pos.compare_exchange_weak(old, Clamp(next(old, argument)))) {
         }
         generation.fetch_add(1);
         return old;
     }
-    int StepIt()
-    {
+    int StepIt() {
         return Move(
             [](int current, int by) {
                 // Saturating, so a step near the int limits cannot overflow.
@@ -47,71 +45,86 @@ struct CStatusProgress::State {
             },
             step.load());
     }
-    int SetPos(int position)
-    {
+    int SetPos(int position) {
         return Move([](int, int to) { return to; }, position);
     }
 };
 
 CStatusProgress::CStatusProgress(QWidget* parent)
-    : QWidget(parent), m_state(std::make_shared<State>())
-{
+    : QWidget(parent), m_state(std::make_shared<State>()) {
     tonwerk::res::InitResources();
-    m_timerId = startTimer(kRefreshMs);
 }
 
 CStatusProgress::~CStatusProgress() = default;
 
-void CStatusProgress::SetRange(int lower, int upper)
-{
+void CStatusProgress::SetRange(int lower, int upper) {
     m_state->lower = lower;
     m_state->upper = std::max(lower, upper);
     m_state->SetPos(m_state->pos.load());
+    RepaintIfOwnThread();
 }
 
-int CStatusProgress::Lower() const
-{
+int CStatusProgress::Lower() const {
     return m_state->lower.load();
 }
 
-int CStatusProgress::Upper() const
-{
+int CStatusProgress::Upper() const {
     return m_state->upper.load();
 }
 
-void CStatusProgress::SetStep(int step)
-{
+void CStatusProgress::SetStep(int step) {
     m_state->step = step;
 }
 
-int CStatusProgress::Step() const
-{
+int CStatusProgress::Step() const {
     return m_state->step.load();
 }
 
-int CStatusProgress::StepIt()
-{
-    return m_state->StepIt();
+int CStatusProgress::StepIt() {
+    const int old = m_state->StepIt();
+    RepaintIfOwnThread();
+    return old;
 }
 
-int CStatusProgress::SetPos(int position)
-{
-    return m_state->SetPos(position);
+int CStatusProgress::SetPos(int position) {
+    const int old = m_state->SetPos(position);
+    RepaintIfOwnThread();
+    return old;
 }
 
-int CStatusProgress::Pos() const
-{
+void CStatusProgress::RepaintIfOwnThread() {
+    // Other threads only touch the atomics; the timer picks their changes up.
+    if (QThread::currentThread() == thread()) {
+        update();
+    }
+}
+
+void CStatusProgress::showEvent(QShowEvent* event) {
+    // Polling only while visible keeps an idle program from waking up for nothing.
+    if (m_timerId == 0) {
+        m_timerId = startTimer(kRefreshMs);
+    }
+    QWidget::showEvent(event);
+}
+
+void CStatusProgress::hideEvent(QHideEvent* event) {
+    if (m_timerId != 0) {
+        killTimer(m_timerId);
+        m_timerId = 0;
+    }
+    QWidget::hideEvent(event);
+}
+
+int CStatusProgress::Pos() const {
     return m_state->pos.load();
 }
 
-std::function<void()> CStatusProgress::Stepper() const
-{
+std::function<void()> CStatusProgress::Stepper() const {
     std::shared_ptr<State> state = m_state;
     return [state] { state->StepIt(); };
 }
 
-bool CStatusProgress::SetBarImage(const QString& resourcePath)
-{
+bool CStatusProgress::SetBarImage(const QString& resourcePath) {
     const QIcon icon(resourcePath);
     m_barImage = icon.isNull() ? QPixmap() : icon.pixmap(QSize(kBarImageHeight, kBarImageHeight));
     m_barImagePath = m_barImage.isNull() ? QString() : resourcePath;
@@ -119,13 +132,11 @@ bool CStatusProgress::SetBarImage(const QString& resourcePath)
     return !m_barImage.isNull();
 }
 
-QSize CStatusProgress::sizeHint() const
-{
+QSize CStatusProgress::sizeHint() const {
     return {160, 16};
 }
 
-void CStatusProgress::timerEvent(QTimerEvent* event)
-{
+void CStatusProgress::timerEvent(QTimerEvent* event) {
     if (event->timerId() != m_timerId) {
         QWidget::timerEvent(event);
         return;
@@ -138,8 +149,7 @@ void CStatusProgress::timerEvent(QTimerEvent* event)
     }
 }
 
-void CStatusProgress::paintEvent(QPaintEvent* /*event*/)
-{
+void CStatusProgress::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     const QRect frame = rect().adjusted(0, 0, -1, -1);
     painter.fillRect(rect(), palette().color(QPalette::Base));

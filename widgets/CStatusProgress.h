@@ -39,7 +39,7 @@ public:
     bool SetBarImage(const QString& resourcePath);
     QString BarImage() const { return m_barImagePath; }
 
-    /// The position the bar last painted (or is about to paint); follows Pos() on its own thread.
+    /// The position the bar last painted or took up to paint; follows Pos() while shown.
     int ShownPos() const { return m_shownPos; }
 
     QSize sizeHint() const override;
@@ -47,8 +47,12 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
+    void RepaintIfOwnThread();
+
     struct State;
     std::shared_ptr<State> m_state;
     QString m_barImagePath;
