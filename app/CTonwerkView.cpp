@@ -22,6 +22,7 @@
 #include "app/CMainFrame.h"
 #include "app/CModalSeam.h"
 #include "app/CTonwerkDoc.h"
+#include "audio/MidiAudio.h"
 #include "model/CMorseAlphabet.h"
 #include "model/CompletionEstimate.h"
 #include "res/TonwerkResources.h"
@@ -376,11 +377,7 @@ void CTonwerkView::OnInitialUpdate() {
     m_keyLampEnabled = settings.GetAntimateKey();
     m_keyLamp->show();
 
-    m_midiDevices = m_audio.midiOutputCount ? m_audio.midiOutputCount() : 0;
-    if (m_midiDevices == 0) {
-        CModalSeam::Message(this, tr("There are no MIDI output devices."), QMessageBox::Ok,
-                            QMessageBox::Information);
-    }
+    CheckMidiOutputs();
 
     CreateToolTips();
 
@@ -392,6 +389,11 @@ void CTonwerkView::OnInitialUpdate() {
         m_volumeSlider->setRange(0, kVolumeMax);
         m_volumeSlider->setValue(m_audio.readVolume ? m_audio.readVolume() : kVolumeMax);
     }
+    if (!m_audio.readVolume) {
+        m_volumeAdapter = std::make_unique<CQtVolumeSlider>(m_volumeSlider);
+        m_mixer.AttachSlider(m_volumeAdapter.get());
+        m_mixer.Initialize();
+    }
     m_strPitch = tr("Pitch: %1").arg(m_pitchSlider->value());
     m_strVolume = FormatVolume(m_volumeSlider->value());
 
@@ -399,6 +401,31 @@ void CTonwerkView::OnInitialUpdate() {
     UpdateData(false);
     m_doc->SetModifiedFlag(false);
     m_loadingTexts = false;
+}
+
+void CTonwerkView::CheckMidiOutputs() {
+    m_midiDevices =
+        m_audio.midiOutputCount ? m_audio.midiOutputCount() : static_cast<int>(MidiOutGetNumDevs());
+    if (m_midiDevices == 0) {
+        CModalSeam::Message(this, tr("There are no MIDI output devices."), QMessageBox::Ok,
+                            QMessageBox::Information);
+        return;
+    }
+    if (m_audio.midiOutputCount) {
+        return;  // a stand-in count has no devices to ask
+    }
+    constexpr int kMaxQueried = 8;
+    constexpr unsigned kErrorTextLength = 80;
+    for (int device = 0; device < std::min(m_midiDevices, kMaxQueried); ++device) {
+        MidiOutCaps caps;
+        const MmResult result =
+            MidiOutGetDevCaps(static_cast<unsigned>(device), &caps, sizeof(caps));
+        if (result != kMmNoError) {
+            char text[kErrorTextLength] = {};
+            MidiOutGetErrorText(result, text, kErrorTextLength);
+            CModalSeam::Message(this, QString::fromLocal8Bit(text));
+        }
+    }
 }
 
 void CTonwerkView::SetChecksFromDocument() {
@@ -643,6 +670,8 @@ QString CTonwerkView::FormatVolume(int position) {
 void CTonwerkView::OnVolumeMoved(int position) {
     if (m_audio.setVolume) {
         m_audio.setVolume(position);
+    } else if (!m_audio.readVolume) {
+        m_mixer.SetVolume(static_cast<std::uint32_t>(position));
     }
     m_strVolume = FormatVolume(position);
     m_volumeLabel->setText(m_strVolume);

@@ -8,6 +8,8 @@
 #include <memory>
 
 #include "app/CPostedNotifyTarget.h"
+#include "app/CQtVolumeSlider.h"
+#include "audio/CSoundMixer.h"
 
 class CAnchorLayout;
 class CClockDisplay;
@@ -35,8 +37,8 @@ class CTonwerkView : public QWidget {
     Q_OBJECT
 
 public:
-    /// Hooks to the sound hardware, replaceable until (and in tests after) the audio layer
-    /// provides them. The volume is the mixer's 0..65535 scale.
+    /// Stand-ins for the sound hardware, for tests: each hook left empty uses the real thing
+    /// (the MIDI output count, and the mixer's speakers volume on its 0..65535 scale).
     struct AudioHooks {
         std::function<int()> midiOutputCount;
         std::function<int()> readVolume;
@@ -113,6 +115,7 @@ private:
     void OnPitchMoved(int position);
     void OnVolumeMoved(int position);
     void RefreshCodeHighlight();
+    void CheckMidiOutputs();
     static QString FormatVolume(int position);
     QWidget* Register(QWidget* widget, int id, const char* name);
 
@@ -120,6 +123,8 @@ private:
     CMainFrame* m_frame;
     CPostedNotifyTarget m_notifyTarget;
     AudioHooks m_audio;
+    std::unique_ptr<CQtVolumeSlider> m_volumeAdapter;
+    CSoundMixer m_mixer;
     CAnchorLayout* m_layout = nullptr;
     CHtmlToolTip* m_toolTip = nullptr;
     QMenu* m_contextMenu = nullptr;

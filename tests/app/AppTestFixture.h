@@ -19,7 +19,12 @@ public:
     AppTestFixture() {
         CModalSeam::SetScripted(true);
         CModalSeam::Reset();
-        CTonwerkView::SetDefaultAudioHooks({[] { return 1; }, nullptr, nullptr});
+        CTonwerkView::SetDefaultAudioHooks(Hooks(1));
+    }
+
+    /// No test touches the machine's sequencer or mixer: a MIDI count and a quiet mixer.
+    static CTonwerkView::AudioHooks Hooks(int midiOutputs) {
+        return {[midiOutputs] { return midiOutputs; }, [] { return 32768; }, [](int) {}};
     }
 
     void NewProfile() {

@@ -50,11 +50,11 @@ private slots:
     }
 
     void midiCheckReportsAMachineWithoutOutputs() {
-        CTonwerkView::SetDefaultAudioHooks({[] { return 0; }, nullptr, nullptr});
+        CTonwerkView::SetDefaultAudioHooks(Hooks(0));
         NewFrame();
         QCOMPARE(CModalSeam::Messages(),
                  QStringList{QStringLiteral("There are no MIDI output devices.")});
-        CTonwerkView::SetDefaultAudioHooks({[] { return 2; }, nullptr, nullptr});
+        CTonwerkView::SetDefaultAudioHooks(Hooks(2));
         NewFrame();
         QVERIFY(CModalSeam::Messages().isEmpty());
     }

@@ -126,7 +126,7 @@ private slots:
         slider->setValue(position);
         QCOMPARE(Control<QLabel>(1088)->text(), label);
         QCOMPARE(mixer, position);
-        CTonwerkView::SetDefaultAudioHooks({[] { return 1; }, nullptr, nullptr});
+        CTonwerkView::SetDefaultAudioHooks(Hooks(1));
     }
 
     void textToMorseAndBack() {
