@@ -57,6 +57,7 @@ private slots:
         CTonwerkView::SetDefaultAudioHooks(Hooks(2));
         NewFrame();
         QVERIFY(CModalSeam::Messages().isEmpty());
+        CTonwerkView::SetDefaultAudioHooks(Hooks(1));
     }
 
     void storedPlacementIsUsedAsItIs() {

@@ -4,6 +4,8 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QContextMenuEvent>
+#include <QDir>
+#include <QFile>
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
@@ -285,6 +287,27 @@ private slots:
         View().OnEditCommand(CTonwerkView::kEditUndo);
         QCOMPARE(Practice()->toPlainText(), QStringLiteral("HELLO"));
         QVERIFY(Code()->toPlainText() != QStringLiteral("HELLO"));
+    }
+
+    void volumeControlStartsTheDesktopUtilityWhenPresent() {
+        const QByteArray oldPath = qgetenv("PATH");
+        const QString bin = TempPath("bin");
+        QVERIFY(QDir().mkpath(bin));
+        qputenv("PATH", bin.toLocal8Bit());
+        QVERIFY(CTonwerkView::VolumeControlProgram().isEmpty());
+        View().OnVolumeControl();  // nothing to start: nothing happens, nothing is shown
+        QVERIFY(CModalSeam::Messages().isEmpty());
+
+        const QString marker = TempPath("started");
+        QFile script(bin + "/pavucontrol");
+        QVERIFY(script.open(QIODevice::WriteOnly));
+        script.write(QStringLiteral("#!/bin/sh\n: > '%1'\n").arg(marker).toLocal8Bit());
+        script.close();
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QCOMPARE(CTonwerkView::VolumeControlProgram(), bin + "/pavucontrol");
+        View().OnVolumeControl();
+        qputenv("PATH", oldPath);
+        QTRY_VERIFY(QFile::exists(marker));
     }
 
     void largeTextConvertsCompletely() {
