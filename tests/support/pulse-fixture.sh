@@ -19,7 +19,12 @@ stop() {
     fi
     pulseaudio --kill 2>/dev/null || true
     for _ in $(seq 50); do
-        pactl info >/dev/null 2>&1 || return 0
+        if ! pactl info >/dev/null 2>&1; then
+            # A server killed outright may linger unreaped (no init in a container) and its
+            # pid file would then stop a new one from starting.
+            rm -f "$PULSE_RUNTIME_PATH/pid"
+            return 0
+        fi
         sleep 0.1
     done
 }
