@@ -1,0 +1,369 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/CMainFrame.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFontMetrics>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QScrollArea>
+#include <QStatusBar>
+#include <QToolBar>
+
+#include "app/CAboutDlg.h"
+#include "app/CModalSeam.h"
+#include "app/CTonwerkDoc.h"
+#include "app/CTonwerkView.h"
+#include "model/IProfile.h"
+#include "res/TonwerkResources.h"
+#include "widgets/CStatusProgress.h"
+
+namespace {
+
+constexpr std::string_view kWindowSettings = "WindowSettings";
+constexpr std::string_view kBarStateSection = "TonwerkApp";
+constexpr std::string_view kBarStateEntry = "BarState";
+constexpr int kPlacementMin = 1;
+constexpr int kPlacementMax = 1999;
+
+/// The width of the text that sizes the progress pane: 52 blanks.
+constexpr int kProgressPaneBlanks = 52;
+
+bool InPlacementRange(int value) {
+    // As an unsigned difference, so zero and negative values fail along with the large ones.
+    return static_cast<unsigned>(value) - kPlacementMin <=
+           static_cast<unsigned>(kPlacementMax - kPlacementMin);
+}
+
+}  // namespace
+
+CMainFrame::CMainFrame(IProfile& profile, QWidget* parent)
+    : QMainWindow(parent), m_profile(profile) {
+    tonwerk::res::InitResources();
+    setObjectName("MainFrame");
+    setWindowIcon(QIcon(QString::fromLatin1(tonwerk::res::kAppIcon)));
+    RestorePlacement();
+
+    m_doc = new CTonwerkDoc(profile, this);
+    m_view = new CTonwerkView(m_doc, this);
+    m_doc->SetView(m_view);
+    m_scroll = new QScrollArea(this);
+    m_scroll->setObjectName("ViewScrollArea");
+    m_scroll->setFrameShape(QFrame::NoFrame);
+    m_scroll->setWidgetResizable(true);
+    m_scroll->setWidget(m_view);
+    setCentralWidget(m_scroll);
+
+    CreateActions();
+    CreateToolBar();
+    CreateStatusBar();
+    CreateMenus();
+    const std::string state = m_profile.GetString(kBarStateSection, kBarStateEntry, "");
+    if (!state.empty()) {
+        restoreState(QByteArray::fromBase64(QByteArray::fromStdString(state)));
+    }
+    ResetProgress();
+
+    connect(m_doc, &CTonwerkDoc::TitleChanged, this,
+            [this](const QString& title) { setWindowTitle(FrameTitle(title)); });
+    setWindowTitle(FrameTitle(QString()));
+    setAcceptDrops(true);
+
+    m_view->OnInitialUpdate();
+}
+
+CMainFrame::~CMainFrame() = default;
+
+QString CMainFrame::FrameTitle(const QString& documentTitle) {
+    return (documentTitle.isEmpty() ? tr("Untitled") : documentTitle) + tr(" - Tonwerk");
+}
+
+void CMainFrame::RestorePlacement() {
+    const int x = m_profile.GetInt(kWindowSettings, "TopLeftX", kDefaultX);
+    const int y = m_profile.GetInt(kWindowSettings, "TopLeftY", kDefaultY);
+    const int w = m_profile.GetInt(kWindowSettings, "SizeX", kDefaultWidth);
+    const int h = m_profile.GetInt(kWindowSettings, "SizeY", kDefaultHeight);
+    // No clamping: a stored value is used as it is.
+    move(x, y);
+    resize(w, h);
+    m_rectWindow = QRect(x, y, w, h);
+}
+
+QAction* CMainFrame::AddAction(int command, const QString& text, const QString& prompt,
+                               const char* icon) {
+    auto* action = new QAction(text, this);
+    action->setObjectName(QStringLiteral("action%1").arg(command));
+    action->setData(command);
+    // A prompt is "status text\ntooltip"; without a line break all of it is the status text.
+    const qsizetype newline = prompt.indexOf(QLatin1Char('\n'));
+    action->setStatusTip(newline < 0 ? prompt : prompt.left(newline));
+    if (newline >= 0) {
+        action->setToolTip(prompt.mid(newline + 1));
+    }
+    if (icon) {
+        action->setIcon(QIcon(QString::fromLatin1(icon)));
+    }
+    m_actions.insert(command, action);
+    return action;
+}
+
+void CMainFrame::CreateActions() {
+    namespace res = tonwerk::res;
+    AddAction(kFileNew, tr("&New\tCtrl+N"), tr("Create a new document\nNew"), res::kFileNew);
+    AddAction(kFileOpen, tr("&Open...\tCtrl+O"), tr("Open an existing document\nOpen"),
+              res::kFileOpen);
+    AddAction(kFileSave, tr("&Save\tCtrl+S"), tr("Save the active document\nSave"), res::kFileSave);
+    AddAction(kFileSaveAs, tr("Save &As..."),
+              tr("Save the active document with a new name\nSave As"));
+    AddAction(kGenerateFile, tr("&Generate File"), QString(), res::kGenerateFile);
+    AddAction(kAppExit, tr("E&xit"), tr("Quit the application; prompts to save documents\nExit"));
+    AddAction(kEditUndo, tr("&Undo\tCtrl+Z"), tr("Undo the last action\nUndo"), res::kEditUndo);
+    AddAction(kEditCut, tr("Cu&t\tCtrl+X"),
+              tr("Cut the selection and put it on the Clipboard\nCut"), res::kEditCut);
+    AddAction(kEditCopy, tr("&Copy\tCtrl+C"),
+              tr("Copy the selection and put it on the Clipboard\nCopy"), res::kEditCopy);
+    AddAction(kEditPaste, tr("&Paste\tCtrl+V"), tr("Insert Clipboard contents\nPaste"),
+              res::kEditPaste);
+    AddAction(kEditSelectAll, tr("Select A&ll\tCtrl+A"),
+              tr("Select the entire document\nSelect All"));
+    AddAction(kConfig, tr("C&onfig"), tr("Edit Config"), res::kConfig);
+    AddAction(kViewToolbar, tr("&Toolbar"), tr("Show or hide the toolbar\nToggle ToolBar"));
+    AddAction(kViewStatusBar, tr("&Status Bar"),
+              tr("Show or hide the status bar\nToggle StatusBar"));
+    AddAction(kVolumeControl, tr("Volume Control"), tr("Launch the volume control utility"),
+              res::kVolumeControl);
+    AddAction(kCompletionTime, tr("&Calculate Completion Time\tCtrl+T"),
+              tr("Run the estimation tool to get exercise completion time\\Calculate Time to "
+                 "Complete"),
+              res::kCompletionTime);
+    AddAction(kAllOn, tr("All &On"),
+              tr("Turn On all characters to be used for random text generation"), res::kAllOn);
+    AddAction(kAllOff, tr("All O&ff"),
+              tr("Turn Off all characters to be used for random text generation"), res::kAllOff);
+    AddAction(kDitCharacters, tr("D&it Characters"), tr("Select all letters that start with a Dit"),
+              res::kDitCharacters);
+    AddAction(kDahCharacters, tr("D&ah Characters"), tr("Select all letters that start with a Dah"),
+              res::kDahCharacters);
+    AddAction(kOneTone, tr("&1 Tone Characters"),
+              tr("Select all letters that contain a single tone"));
+    AddAction(kTwoTones, tr("&2 Tone Characters"), tr("Select all letters that contain two tones"));
+    AddAction(kThreeTones, tr("&3 Tone Characters"),
+              tr("Select all letters that contain three tones"));
+    AddAction(kFourTones, tr("&4 Tone Characters"),
+              tr("Select all letters that contain four tones"));
+    AddAction(kNumbersToggle, tr("&Numbers Toggle"),
+              tr("Toggle numbers to be used for random text generation"), res::kNumbersToggle);
+    AddAction(kProSignsToggle, tr("&Pro Signs Toggle"),
+              tr("Toggle Pro Signs to be used for random text generation"), res::kProSignsToggle);
+    AddAction(kCallSigns, tr("&US Call Signs"), tr("Random US Calls Signs"), res::kCallSigns);
+    AddAction(kDoubleSpace, tr("&Double Space"), tr("Double Space when Generating"),
+              res::kDoubleSpace);
+    AddAction(kReadBack, tr("Read &Back\tCtrl+B"),
+              tr("Read the Letters back to me for checking my answers"), res::kReadBack);
+    AddAction(kAppAbout, tr("&About Tonwerk..."),
+              tr("Display program information, version number and copyright\nAbout"), res::kAbout);
+
+    const std::pair<int, QKeySequence> shortcuts[] = {
+        {kFileNew, QKeySequence(tr("Ctrl+N"))},        {kFileOpen, QKeySequence(tr("Ctrl+O"))},
+        {kFileSave, QKeySequence(tr("Ctrl+S"))},       {kEditUndo, QKeySequence(tr("Ctrl+Z"))},
+        {kEditCut, QKeySequence(tr("Ctrl+X"))},        {kEditCopy, QKeySequence(tr("Ctrl+C"))},
+        {kEditPaste, QKeySequence(tr("Ctrl+V"))},      {kEditSelectAll, QKeySequence(tr("Ctrl+A"))},
+        {kCompletionTime, QKeySequence(tr("Ctrl+T"))}, {kReadBack, QKeySequence(tr("Ctrl+B"))}};
+    for (const auto& [command, keys] : shortcuts) {
+        m_actions.value(command)->setShortcut(keys);
+    }
+
+    connect(Action(kFileNew), &QAction::triggered, m_doc, &CTonwerkDoc::OnFileNew);
+    connect(Action(kFileOpen), &QAction::triggered, m_doc, &CTonwerkDoc::OnFileOpen);
+    connect(Action(kFileSave), &QAction::triggered, m_doc, &CTonwerkDoc::OnFileSave);
+    connect(Action(kFileSaveAs), &QAction::triggered, m_doc, &CTonwerkDoc::OnFileSaveAs);
+    connect(Action(kConfig), &QAction::triggered, m_doc, &CTonwerkDoc::OnConfig);
+    connect(Action(kAppExit), &QAction::triggered, this, &QWidget::close);
+    connect(Action(kAppAbout), &QAction::triggered, this, &CMainFrame::OnAbout);
+    connect(Action(kVolumeControl), &QAction::triggered, m_view, &CTonwerkView::OnVolumeControl);
+    connect(Action(kCompletionTime), &QAction::triggered, m_view,
+            &CTonwerkView::OnCalculateCompletionTime);
+    for (const int command : {kEditUndo, kEditCut, kEditCopy, kEditPaste, kEditSelectAll}) {
+        connect(Action(command), &QAction::triggered, m_view,
+                [this, command] { m_view->OnEditCommand(command); });
+    }
+    Action(kViewToolbar)->setCheckable(true);
+    Action(kViewStatusBar)->setCheckable(true);
+    Action(kViewStatusBar)->setChecked(true);
+    connect(Action(kViewStatusBar), &QAction::toggled, this,
+            [this](bool on) { statusBar()->setVisible(on); });
+
+    // Sessions, read-back, sound files and the Random menu come with the sound layer.
+    for (const int command : {kGenerateFile, kReadBack, kAllOn, kAllOff, kDitCharacters,
+                              kDahCharacters, kOneTone, kTwoTones, kThreeTones, kFourTones,
+                              kNumbersToggle, kProSignsToggle, kCallSigns, kDoubleSpace}) {
+        Action(command)->setEnabled(false);
+    }
+    for (const int command : {kNumbersToggle, kProSignsToggle, kDoubleSpace}) {
+        Action(command)->setCheckable(true);
+    }
+}
+
+void CMainFrame::CreateMenus() {
+    QMenuBar* bar = menuBar();
+    QMenu* file = bar->addMenu(tr("&File"));
+    file->addActions({Action(kFileNew), Action(kFileOpen), Action(kFileSave), Action(kFileSaveAs)});
+    file->addSeparator();
+    file->addAction(Action(kGenerateFile));
+    file->addSeparator();
+    file->addAction(Action(kAppExit));
+    QMenu* edit = bar->addMenu(tr("&Edit"));
+    edit->addAction(Action(kEditUndo));
+    edit->addSeparator();
+    edit->addActions(
+        {Action(kEditCut), Action(kEditCopy), Action(kEditPaste), Action(kEditSelectAll)});
+    edit->addSeparator();
+    edit->addAction(Action(kConfig));
+    QMenu* view = bar->addMenu(tr("&View"));
+    view->addActions({Action(kViewToolbar), Action(kViewStatusBar)});
+    view->addSeparator();
+    view->addActions({Action(kVolumeControl), Action(kCompletionTime)});
+    QMenu* random = bar->addMenu(tr("&Random"));
+    random->addActions({Action(kAllOn), Action(kAllOff)});
+    random->addSeparator();
+    random->addActions({Action(kDitCharacters), Action(kDahCharacters)});
+    random->addSeparator();
+    random->addActions(
+        {Action(kOneTone), Action(kTwoTones), Action(kThreeTones), Action(kFourTones)});
+    random->addSeparator();
+    random->addActions({Action(kNumbersToggle), Action(kProSignsToggle), Action(kDoubleSpace)});
+    random->addSeparator();
+    random->addAction(Action(kCallSigns));
+    QMenu* recheck = bar->addMenu(tr("R&echeck"));
+    recheck->addAction(Action(kReadBack));
+    QMenu* help = bar->addMenu(tr("&Help"));
+    help->addAction(Action(kAppAbout));
+}
+
+void CMainFrame::CreateToolBar() {
+    QToolBar* toolBar = addToolBar(tr("Standard"));
+    toolBar->setObjectName("ToolBar");
+    toolBar->setIconSize(QSize(16, 16));
+    toolBar->addActions({Action(kFileNew), Action(kFileOpen), Action(kFileSave)});
+    toolBar->addSeparator();
+    toolBar->addActions({Action(kEditCut), Action(kEditCopy), Action(kEditPaste)});
+    toolBar->addSeparator();
+    toolBar->addActions({Action(kConfig), Action(kVolumeControl), Action(kCompletionTime)});
+    toolBar->addSeparator();
+    toolBar->addActions({Action(kAllOn), Action(kAllOff), Action(kDitCharacters),
+                         Action(kDahCharacters), Action(kNumbersToggle), Action(kProSignsToggle),
+                         Action(kCallSigns), Action(kDoubleSpace)});
+    toolBar->addSeparator();
+    toolBar->addActions({Action(kReadBack), Action(kGenerateFile)});
+    toolBar->addSeparator();
+    toolBar->addAction(Action(kAppAbout));
+    Action(kViewToolbar)->setChecked(true);
+    connect(Action(kViewToolbar), &QAction::toggled, toolBar, &QToolBar::setVisible);
+    connect(toolBar, &QToolBar::visibilityChanged, Action(kViewToolbar), &QAction::setChecked);
+}
+
+void CMainFrame::CreateStatusBar() {
+    QStatusBar* bar = statusBar();
+    bar->setObjectName("StatusBar");
+    auto* ready = new QLabel(tr("Ready"), bar);
+    ready->setObjectName("paneMessage");
+    bar->addWidget(ready, 1);
+    m_progressPane = new QWidget(bar);
+    m_progressPane->setObjectName("paneProgress");
+    auto* paneLayout = new QHBoxLayout(m_progressPane);
+    paneLayout->setContentsMargins(0, 0, 0, 0);
+    m_progressPane->setFixedWidth(
+        bar->fontMetrics().horizontalAdvance(QString(kProgressPaneBlanks, QLatin1Char(' '))));
+    bar->addPermanentWidget(m_progressPane);
+    for (const char* indicator : {"CAP", "NUM", "SCRL"}) {
+        auto* label = new QLabel(QString::fromLatin1(indicator), bar);
+        label->setObjectName(QStringLiteral("pane%1").arg(QString::fromLatin1(indicator)));
+        label->setEnabled(false);
+        label->setAlignment(Qt::AlignCenter);
+        label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QStringLiteral("SCRL")) + 8);
+        bar->addPermanentWidget(label);
+    }
+}
+
+CStatusProgress* CMainFrame::ResetProgress() {
+    delete m_pProgress;
+    m_pProgress = new CStatusProgress(m_progressPane);
+    m_pProgress->setObjectName("progress");
+    m_progressPane->layout()->addWidget(m_pProgress);
+    m_pProgress->show();
+    return m_pProgress;
+}
+
+void CMainFrame::moveEvent(QMoveEvent* event) {
+    QMainWindow::moveEvent(event);
+    m_rectWindow = WindowRectNow();
+}
+
+void CMainFrame::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    m_rectWindow = WindowRectNow();
+}
+
+QRect CMainFrame::WindowRectNow() const {
+    // The outer corner is where move() puts the window; the size is what resize() takes, so a
+    // stored placement comes back exactly, whatever the window manager adds around the frame.
+    return QRect(frameGeometry().topLeft(), size());
+}
+
+void CMainFrame::SavePlacement() {
+    if (isVisible()) {
+        m_rectWindow = WindowRectNow();
+    }
+    const QByteArray state = saveState().toBase64();
+    m_profile.WriteString(kBarStateSection, kBarStateEntry, state.toStdString());
+    const int x = m_rectWindow.left();
+    const int y = m_rectWindow.top();
+    const int w = m_rectWindow.width();
+    const int h = m_rectWindow.height();
+    // A maximised frame's rectangle is the screen's, not the user's placement.
+    if (isMaximized() || !InPlacementRange(x) || !InPlacementRange(y) || !InPlacementRange(w) ||
+        !InPlacementRange(h)) {
+        return;
+    }
+    m_profile.WriteInt(kWindowSettings, "TopLeftX", x);
+    m_profile.WriteInt(kWindowSettings, "TopLeftY", y);
+    m_profile.WriteInt(kWindowSettings, "SizeX", w);
+    m_profile.WriteInt(kWindowSettings, "SizeY", h);
+}
+
+void CMainFrame::closeEvent(QCloseEvent* event) {
+    SavePlacement();
+    if (!m_doc->SaveModified()) {
+        event->ignore();
+        return;
+    }
+    event->accept();
+}
+
+void CMainFrame::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->hasUrls()) {
+        event->acceptProposedAction();
+    }
+}
+
+void CMainFrame::dropEvent(QDropEvent* event) {
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (urls.isEmpty() || !urls.constFirst().isLocalFile()) {
+        return;
+    }
+    event->acceptProposedAction();
+    if (m_doc->SaveModified()) {
+        m_doc->OpenFile(urls.constFirst().toLocalFile());
+    }
+}
+
+void CMainFrame::OnAbout() {
+    CAboutDlg dialog(this);
+    if (!CModalSeam::IsScripted()) {
+        dialog.exec();
+    }
+}

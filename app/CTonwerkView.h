@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <QWidget>
+#include <array>
+#include <functional>
+#include <memory>
+
+#include "app/CPostedNotifyTarget.h"
+#include "app/CQtVolumeSlider.h"
+#include "audio/CSoundMixer.h"
+
+class CAnchorLayout;
+class CClockDisplay;
+class CHtmlToolTip;
+class CImageButton;
+class CKeyLamp;
+class CMainFrame;
+class CSegmentDisplay;
+class CStatusProgress;
+class CTonwerkDoc;
+class QAbstractButton;
+class QCheckBox;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QPushButton;
+class QSlider;
+class QTextEdit;
+
+/// The practice form: every control of the trainer, the conversions between practice text and
+/// code text, the sliders and the selection buttons. Values move between the controls and the
+/// view's members by UpdateData, as on a dialog form; the profile is reached through the document.
+class CTonwerkView : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Stand-ins for the sound hardware, for tests: each hook left empty uses the real thing
+    /// (the MIDI output count, and the mixer's speakers volume on its 0..65535 scale).
+    struct AudioHooks {
+        std::function<int()> midiOutputCount;
+        std::function<int()> readVolume;
+        std::function<void(int)> setVolume;
+    };
+
+    static constexpr int kFormWidth = 860;
+    static constexpr int kFormHeight = 560;
+    static constexpr int kVolumeMax = 65535;
+
+    CTonwerkView(CTonwerkDoc* doc, CMainFrame* frame, QWidget* parent = nullptr);
+    ~CTonwerkView() override;
+
+    static void SetDefaultAudioHooks(AudioHooks hooks);
+
+    /// The form's start-up: fonts, layout, images, sliders, displays, selections from the
+    /// profile, the first conversion, the MIDI check and the tooltips.
+    void OnInitialUpdate();
+
+    /// Data exchange between controls and members; false when a field was refused.
+    bool UpdateData(bool saveAndValidate = true);
+
+    /// The control with a form id (1000..1089), or nullptr.
+    QWidget* Control(int id) const;
+    CHtmlToolTip* ToolTips() const { return m_toolTip; }
+    INotifyTarget& NotifyTarget() { return m_notifyTarget; }
+
+    QString PracticeText() const;
+    QString CodeText() const;
+    /// Replaces both texts (loading or emptying the document) without marking it modified.
+    void SetTexts(const QString& practiceText, const QString& codeText);
+
+    void OnTextToMorse();
+    void OnMorseToText();
+    void OnMute();
+    void OnSpeech();
+    void OnKeyLamp();
+    void OnVolumeControl();
+    void OnCalculateCompletionTime();
+    void OnEditCommand(int command);
+
+    /// Saves the 58 selection buttons as "Letter_%c".
+    void SaveSelection();
+
+    /// Program that "Volume Control" starts, found on the path; empty when there is none.
+    static QString VolumeControlProgram();
+
+    /// Edit command ids, as the frame's menu uses them.
+    enum EditCommand {
+        kEditCopy = 57634,
+        kEditCut = 57635,
+        kEditPaste = 57637,
+        kEditSelectAll = 57642,
+        kEditUndo = 57643
+    };
+
+    /// The context menu of the two text boxes, built once.
+    QMenu* ContextMenu() const { return m_contextMenu; }
+
+signals:
+    /// A posted sound message arrived (kAppMessage + 1 .. + 4).
+    void AppMessage(unsigned message);
+
+protected:
+    bool event(QEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+private:
+    void CreateControls();
+    void RegisterLayout();
+    void CreateToolTips();
+    void SetChecksFromDocument();
+    void OnWordRateMoved(int position);
+    void OnPitchMoved(int position);
+    void OnVolumeMoved(int position);
+    void RefreshCodeHighlight();
+    void CheckMidiOutputs();
+    static QString FormatVolume(int position);
+    QWidget* Register(QWidget* widget, int id, const char* name);
+
+    CTonwerkDoc* m_doc;
+    CMainFrame* m_frame;
+    CPostedNotifyTarget m_notifyTarget;
+    AudioHooks m_audio;
+    std::unique_ptr<CQtVolumeSlider> m_volumeAdapter;
+    CSoundMixer m_mixer;
+    CAnchorLayout* m_layout = nullptr;
+    CHtmlToolTip* m_toolTip = nullptr;
+    QMenu* m_contextMenu = nullptr;
+    bool m_loadingTexts = false;
+
+    // Controls, by form id.
+    CSegmentDisplay* m_current = nullptr;        // 1006
+    CKeyLamp* m_keyLamp = nullptr;               // 1000
+    QLabel* m_wordRateLabel = nullptr;           // 1004
+    QLineEdit* m_farnsworthEdit = nullptr;       // 1050
+    QCheckBox* m_speechCheck = nullptr;          // 1052
+    QCheckBox* m_muteCheck = nullptr;            // 1051
+    QSlider* m_wordRateSlider = nullptr;         // 1003
+    QGroupBox* m_randomGroup = nullptr;          // 1045
+    QLineEdit* m_wordCountEdit = nullptr;        // 1041
+    QLineEdit* m_wordSizeEdit = nullptr;         // 1043
+    CSegmentDisplay* m_next = nullptr;           // 1010
+    CSegmentDisplay* m_previous = nullptr;       // 1037
+    CClockDisplay* m_clock = nullptr;            // 1040
+    CImageButton* m_listen = nullptr;            // 1005
+    CImageButton* m_record = nullptr;            // 1046
+    CImageButton* m_random = nullptr;            // 1009
+    QSlider* m_volumeSlider = nullptr;           // 1038
+    QSlider* m_pitchSlider = nullptr;            // 1039
+    QTextEdit* m_practiceEdit = nullptr;         // 1002
+    CImageButton* m_textToMorse = nullptr;       // 1007
+    CImageButton* m_morseToText = nullptr;       // 1008
+    QTextEdit* m_codeEdit = nullptr;             // 1001
+    QLabel* m_volumeLabel = nullptr;             // 1088
+    QLabel* m_pitchLabel = nullptr;              // 1089
+    std::array<QPushButton*, 58> m_selection{};  // letters, digits 0..9, pro signs
+
+    // Values exchanged with the controls.
+    QString m_strWordRate = QStringLiteral("Set Words/Minute: 5");
+    QString m_practiceText = QStringLiteral("Welcome to learning MORSE CODE");
+    QString m_codeText;
+    QString m_currentChar;
+    int m_wordCount = 20;
+    int m_wordSize = 5;
+    int m_mute = 0;
+    int m_speech = 0;
+    QString m_strPitch;
+    QString m_strVolume;
+    int m_farnsworth = 0;
+
+    // Current settings copied from the document at start and kept by the sliders.
+    int m_wordRate = 15;
+    int m_pitch = 1000;
+    int m_pauseDit = 1;
+    int m_pauseDah = 1;
+    int m_pauseChar = 1;
+    int m_pauseWord = 1;
+    bool m_soundEnabled = true;
+    int m_midiDevices = 0;
+    int m_keyLampEnabled = 1;
+};

@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/CMainFrame.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QFile>
+#include <QLabel>
+#include <QMimeData>
+#include <QSlider>
+#include <QUrl>
+
+#include "AppTestFixture.h"
+#include "app/CAboutDlg.h"
+#include "app/CAppMessageEvent.h"
+#include "app/CPropSheet.h"
+#include "widgets/CStatusProgress.h"
+
+#include <thread>
+
+class MainFrameTest : public QObject, public AppTestFixture {
+    Q_OBJECT
+
+private slots:
+    void init() { NewProfile(); }
+
+    void firstStartUsesTheDefaultPlacementAndSettings() {
+        CMainFrame& frame = NewFrame();
+        QCOMPARE(frame.pos(), QPoint(200, 100));
+        QCOMPARE(frame.size(), QSize(875, 700));
+        QCOMPARE(Control<QSlider>(1039)->value(), 1000);
+        QCOMPARE(Control<QSlider>(1003)->value(), 15);
+        QCOMPARE(Control<QLabel>(1004)->text(), QStringLiteral("Set Words/Minute: 15"));
+        QCOMPARE(Control<QLabel>(1089)->text(), QStringLiteral("Pitch: 1000"));
+        QCOMPARE(frame.windowTitle(), QStringLiteral("Untitled - Tonwerk"));
+        QVERIFY(!Doc().IsModified());
+
+        CPropSheet sheet(&Doc());
+        sheet.LoadFromProfile();
+        const std::pair<int, const char*> fields[] = {{1046, "1"}, {1047, "3"},   {1048, "3"},
+                                                      {1049, "7"}, {1051, "750"}, {1052, "15"}};
+        for (const auto& [id, text] : fields) {
+            QCOMPARE(sheet.Speed().Field(id)->text(), QString::fromLatin1(text));
+        }
+        QCOMPARE(sheet.Speech().findChild<QLineEdit*>("editSpeechDelay")->text(),
+                 QStringLiteral("125"));
+        auto* amy = sheet.Speech().findChild<QAbstractButton*>("radioActor0");
+        QCOMPARE(amy->text(), QStringLiteral("Amy"));
+        QVERIFY(amy->isChecked());
+    }
+
+    void midiCheckReportsAMachineWithoutOutputs() {
+        CTonwerkView::SetDefaultAudioHooks(Hooks(0));
+        NewFrame();
+        QCOMPARE(CModalSeam::Messages(),
+                 QStringList{QStringLiteral("There are no MIDI output devices.")});
+        CTonwerkView::SetDefaultAudioHooks(Hooks(2));
+        NewFrame();
+        QVERIFY(CModalSeam::Messages().isEmpty());
+        CTonwerkView::SetDefaultAudioHooks(Hooks(1));
+    }
+
+    void storedPlacementIsUsedAsItIs() {
+        Profile().WriteInt("WindowSettings", "TopLeftX", 2500);
+        Profile().WriteInt("WindowSettings", "TopLeftY", 40);
+        Profile().WriteInt("WindowSettings", "SizeX", 640);
+        Profile().WriteInt("WindowSettings", "SizeY", 610);
+        CMainFrame& frame = NewFrame();
+        QCOMPARE(frame.pos(), QPoint(2500, 40));
+        QCOMPARE(frame.size(), QSize(640, 610));
+    }
+
+    void placementOnClose_data() {
+        QTest::addColumn<QRect>("rect");
+        QTest::addColumn<bool>("saved");
+        QTest::newRow("inside") << QRect(300, 150, 900, 650) << true;
+        QTest::newRow("upper bounds") << QRect(1999, 1999, 1999, 1999) << true;
+        QTest::newRow("lower bounds") << QRect(1, 1, 1000, 700) << true;
+        QTest::newRow("x = 0") << QRect(0, 150, 900, 650) << false;
+        QTest::newRow("y = 0") << QRect(300, 0, 900, 650) << false;
+        QTest::newRow("negative x") << QRect(-8, 150, 900, 650) << false;
+        QTest::newRow("wider than 1999") << QRect(300, 150, 2000, 650) << false;
+        QTest::newRow("x = 2000") << QRect(2000, 150, 900, 650) << false;
+    }
+
+    void placementOnClose() {
+        QFETCH(QRect, rect);
+        QFETCH(bool, saved);
+        const QRect previous(111, 112, 813, 614);
+        Profile().WriteInt("WindowSettings", "TopLeftX", previous.x());
+        Profile().WriteInt("WindowSettings", "TopLeftY", previous.y());
+        Profile().WriteInt("WindowSettings", "SizeX", previous.width());
+        Profile().WriteInt("WindowSettings", "SizeY", previous.height());
+        CMainFrame& frame = NewFrame();
+        frame.show();
+        frame.move(rect.topLeft());
+        frame.resize(rect.size());
+        QTRY_COMPARE(frame.WindowRect(), rect);
+        QVERIFY(frame.close());
+        const QRect expected = saved ? rect : previous;
+        QCOMPARE(Profile().GetInt("WindowSettings", "TopLeftX", -1), expected.x());
+        QCOMPARE(Profile().GetInt("WindowSettings", "TopLeftY", -1), expected.y());
+        QCOMPARE(Profile().GetInt("WindowSettings", "SizeX", -1), expected.width());
+        QCOMPARE(Profile().GetInt("WindowSettings", "SizeY", -1), expected.height());
+    }
+
+    void maximisedFrameIsNotSaved() {
+        CMainFrame& frame = NewFrame();
+        frame.showMaximized();
+        QTRY_VERIFY(frame.isMaximized());
+        QVERIFY(frame.close());
+        QCOMPARE(Profile().GetInt("WindowSettings", "TopLeftX", -1), -1);
+        QCOMPARE(Profile().GetInt("WindowSettings", "SizeX", -1), -1);
+    }
+
+    void commandsCarryTheirTextsAndPrompts_data() {
+        QTest::addColumn<int>("command");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("prompt");
+        QTest::newRow("new") << int(CMainFrame::kFileNew) << "&New\tCtrl+N"
+                             << "Create a new document";
+        QTest::newRow("open") << int(CMainFrame::kFileOpen) << "&Open...\tCtrl+O"
+                              << "Open an existing document";
+        QTest::newRow("save as") << int(CMainFrame::kFileSaveAs) << "Save &As..."
+                                 << "Save the active document with a new name";
+        QTest::newRow("config") << int(CMainFrame::kConfig) << "C&onfig"
+                                << "Edit Config";
+        QTest::newRow("volume") << int(CMainFrame::kVolumeControl) << "Volume Control"
+                                << "Launch the volume control utility";
+        QTest::newRow("estimate")
+            << int(CMainFrame::kCompletionTime) << "&Calculate Completion Time\tCtrl+T"
+            << "Run the estimation tool to get exercise completion time\\Calculate Time to "
+               "Complete";
+        QTest::newRow("call signs") << int(CMainFrame::kCallSigns) << "&US Call Signs"
+                                    << "Random US Calls Signs";
+        QTest::newRow("read back") << int(CMainFrame::kReadBack) << "Read &Back\tCtrl+B"
+                                   << "Read the Letters back to me for checking my answers";
+        QTest::newRow("about") << int(CMainFrame::kAppAbout) << "&About Tonwerk..."
+                               << "Display program information, version number and copyright";
+    }
+
+    void commandsCarryTheirTextsAndPrompts() {
+        QFETCH(int, command);
+        QFETCH(QString, text);
+        QFETCH(QString, prompt);
+        NewFrame();
+        QAction* action = Frame().Action(command);
+        QVERIFY(action);
+        QCOMPARE(action->text(), text);
+        QCOMPARE(action->statusTip(), prompt);
+    }
+
+    void statusBarHasItsPanes() {
+        CMainFrame& frame = NewFrame();
+        for (const char* name : {"paneMessage", "paneProgress", "paneCAP", "paneNUM", "paneSCRL"}) {
+            QVERIFY2(frame.findChild<QWidget*>(QString::fromLatin1(name)), name);
+        }
+        QCOMPARE(frame.findChild<QLabel*>("paneMessage")->text(), QStringLiteral("Ready"));
+        CStatusProgress* first = frame.Progress();
+        QVERIFY(first);
+        CStatusProgress* second = frame.ResetProgress();
+        QVERIFY(second && second == frame.Progress());
+        QCOMPARE(frame.findChildren<CStatusProgress*>().size(), 1);
+    }
+
+    void titleFollowsTheDocument() {
+        CMainFrame& frame = NewFrame();
+        Doc().OnFileNew();
+        QCOMPARE(frame.windowTitle(), QStringLiteral("Unknown - Tonwerk"));
+        Doc().SetTitle(QString());
+        QCOMPARE(frame.windowTitle(), QStringLiteral("Untitled - Tonwerk"));
+    }
+
+    void droppedFileOpensAndBarStateIsStored() {
+        const QString path = TempPath("dropped.code");
+        {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(
+                QByteArray("\x01"
+                           "K"
+                           "\x04"
+                           " -.-",
+                           7));
+        }
+        CMainFrame& frame = NewFrame();
+        frame.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&frame));
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(path)});
+        const QPoint centre = frame.rect().center();
+        QDragEnterEvent enter(centre, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&frame, &enter);
+        QVERIFY(enter.isAccepted());
+        QDropEvent drop(QPointF(centre), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&frame, &drop);
+        QCOMPARE(View().PracticeText(), QStringLiteral("K"));
+        QCOMPARE(frame.windowTitle(), QStringLiteral("dropped.code - Tonwerk"));
+        QVERIFY(frame.close());
+        QVERIFY(!Profile().GetString("TonwerkApp", "BarState", "").empty());
+    }
+
+    void closingAModifiedDocumentAsksAndCancelKeepsTheWindow() {
+        CMainFrame& frame = NewFrame();
+        frame.show();
+        View().SetTexts("A", " .-");
+        Doc().SetModifiedFlag(true);
+        CModalSeam::QueueButton(QMessageBox::Cancel);
+        QVERIFY(!frame.close());
+        QVERIFY(frame.isVisible());
+        CModalSeam::QueueButton(QMessageBox::No);
+        QVERIFY(frame.close());
+    }
+
+    void aboutBoxTexts() {
+        CAboutDlg about;
+        QCOMPARE(about.windowTitle(), QStringLiteral("About Tonwerk"));
+        QCOMPARE(about.findChild<QLabel*>("labelVersion")->text(),
+                 QStringLiteral("Tonwerk Version 1.0"));
+    }
+
+    void postedMessagesArriveOnTheViewsThread() {
+        NewFrame();
+        QList<unsigned> received;
+        connect(&View(), &CTonwerkView::AppMessage, this,
+                [&received](unsigned message) { received.append(message); });
+        std::thread worker([this] {
+            for (unsigned n = 1; n <= 4; ++n) {
+                View().NotifyTarget().PostMessage(kAppMessage + n, 1, 1);
+            }
+        });
+        worker.join();
+        QVERIFY(received.isEmpty());  // nothing runs inside the poster
+        QTRY_COMPARE(received.size(), 4);
+        QCOMPARE(received.constFirst(), kAppMessage + 1);
+        QCOMPARE(received.constLast(), kAppMessage + 4);
+    }
+};
+
+QTEST_MAIN(MainFrameTest)
+#include "MainFrameTest.moc"

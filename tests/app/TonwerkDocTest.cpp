@@ -1,0 +1,246 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/CTonwerkDoc.h"
+
+#include <sys/resource.h>
+#include <QFile>
+#include <QTextEdit>
+#include <csignal>
+
+#include "AppTestFixture.h"
+#include "model/CCodeFile.h"
+
+namespace {
+
+QByteArray ReadAll(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void WriteAll(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), bytes.size());
+}
+
+/// Files may not grow beyond a few bytes while it lives, as on a full disk.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        getrlimit(RLIMIT_FSIZE, &m_old);
+        m_oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit limit = m_old;
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &m_old);
+        std::signal(SIGXFSZ, m_oldHandler);
+    }
+
+private:
+    rlimit m_old{};
+    void (*m_oldHandler)(int) = nullptr;
+};
+
+}  // namespace
+
+class TonwerkDocTest : public QObject, public AppTestFixture {
+    Q_OBJECT
+
+    QTextEdit* Practice() { return Control<QTextEdit>(1002); }
+    QTextEdit* Code() { return Control<QTextEdit>(1001); }
+
+private slots:
+    void init() {
+        NewProfile();
+        NewFrame();
+    }
+
+    void editsMarkTheDocumentModified() {
+        QVERIFY(!Doc().IsModified());
+        Practice()->setPlainText("CQ");
+        QVERIFY(Doc().IsModified());
+        Doc().SetModifiedFlag(false);
+        Code()->setPlainText(" -.-. --.-");
+        QVERIFY(Doc().IsModified());
+    }
+
+    void newOnAModifiedDocumentAndCancelKeepsBothTexts() {
+        Practice()->setPlainText("CQ DX");
+        Code()->setPlainText(" -.-. --.- / -.. -..-");
+        CModalSeam::QueueButton(QMessageBox::Cancel);
+        Doc().OnFileNew();
+        QCOMPARE(CModalSeam::Messages(), QStringList{QStringLiteral("Save Changes?")});
+        QCOMPARE(Practice()->toPlainText(), QStringLiteral("CQ DX"));
+        QCOMPARE(Code()->toPlainText(), QStringLiteral(" -.-. --.- / -.. -..-"));
+        QVERIFY(Doc().IsModified());
+    }
+
+    void newWithNoEmptiesTheTextsAndTitlesUnknown() {
+        Practice()->setPlainText("CQ DX");
+        CModalSeam::QueueButton(QMessageBox::No);
+        Doc().OnFileNew();
+        QVERIFY(Practice()->toPlainText().isEmpty());
+        QVERIFY(Code()->toPlainText().isEmpty());
+        QCOMPARE(Doc().Title(), QStringLiteral("Unknown"));
+        QCOMPARE(Frame().windowTitle(), QStringLiteral("Unknown - Tonwerk"));
+        QVERIFY(!Doc().IsModified());
+        QVERIFY(Doc().PathName().isEmpty());
+    }
+
+    void newWithYesSavesFirst() {
+        const QString path = TempPath("first.code");
+        Practice()->setPlainText("E");
+        Code()->setPlainText(" .");
+        CModalSeam::QueueButton(QMessageBox::Yes);
+        CModalSeam::QueueFileName(path);
+        Doc().OnFileNew();
+        QCOMPARE(ReadAll(path), QByteArray("\x01"
+                                           "E"
+                                           "\x02"
+                                           " .",
+                                           5));
+        QVERIFY(Practice()->toPlainText().isEmpty());
+    }
+
+    void saveOfAnUntitledDocumentGoesThroughSaveAs() {
+        const QString path = TempPath("lesson.code");
+        Practice()->setPlainText("AB");
+        Code()->setPlainText(" .- -...");
+        CModalSeam::QueueFileName(path);
+        Doc().OnFileSave();
+        QCOMPARE(ReadAll(path), QByteArray("\x02"
+                                           "AB"
+                                           "\x08"
+                                           " .- -...",
+                                           12));
+        QCOMPARE(Doc().PathName(), path);
+        QCOMPARE(Doc().Title(), QStringLiteral("lesson.code"));
+        QCOMPARE(Frame().windowTitle(), QStringLiteral("lesson.code - Tonwerk"));
+        QVERIFY(!Doc().IsModified());
+
+        // Now titled: Save writes to the same path without asking.
+        Practice()->setPlainText("ABC");
+        Doc().OnFileSave();
+        QCOMPARE(ReadAll(path).left(4), QByteArray("\x03"
+                                                   "ABC"));
+    }
+
+    void lengthPrefixesOnDisk_data() {
+        QTest::addColumn<int>("length");
+        QTest::addColumn<QByteArray>("prefix");
+        QTest::newRow("254") << 254 << QByteArray("\xFE", 1);
+        QTest::newRow("255") << 255 << QByteArray("\xFF\xFF\x00", 3);
+        QTest::newRow("empty") << 0 << QByteArray("\x00", 1);
+    }
+
+    void lengthPrefixesOnDisk() {
+        QFETCH(int, length);
+        QFETCH(QByteArray, prefix);
+        const QString path = TempPath("long.code");
+        Practice()->setPlainText(QString(length, QLatin1Char('E')));
+        Code()->clear();
+        CModalSeam::QueueFileName(path);
+        Doc().OnFileSaveAs();
+        const QByteArray bytes = ReadAll(path);
+        QCOMPARE(bytes.size(), prefix.size() + length + 1);
+        QCOMPARE(bytes.left(prefix.size()), prefix);
+        QCOMPARE(bytes.right(1), QByteArray("\x00", 1));
+    }
+
+    void openLoadsBothTexts() {
+        const QString path = TempPath("saved.code");
+        WriteAll(path, QByteArray("\x03"
+                                  "SOS"
+                                  "\x0C"
+                                  " ... --- ...",
+                                  17));
+        CModalSeam::QueueFileName(path);
+        Doc().OnFileOpen();
+        QCOMPARE(Practice()->toPlainText(), QStringLiteral("SOS"));
+        QCOMPARE(Code()->toPlainText(), QStringLiteral(" ... --- ..."));
+        QCOMPARE(Doc().Title(), QStringLiteral("saved.code"));
+        QVERIFY(!Doc().IsModified());
+        QVERIFY(CModalSeam::Messages().isEmpty());
+    }
+
+    void openOfAMissingFileDoesNothing() {
+        Practice()->setPlainText("KEEP");
+        Doc().SetModifiedFlag(false);
+        CModalSeam::QueueFileName(TempPath("missing.code"));
+        Doc().OnFileOpen();
+        QCOMPARE(Practice()->toPlainText(), QStringLiteral("KEEP"));
+        QVERIFY(Doc().Title().isEmpty());
+        QVERIFY(CModalSeam::Messages().isEmpty());
+    }
+
+    void openOfABrokenFileKeepsTheDocument_data() {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("empty file") << QByteArray();
+        QTest::newRow("length beyond the end") << QByteArray(
+            "\x05"
+            "AB",
+            3);
+        QTest::newRow("second string missing") << QByteArray(
+            "\x02"
+            "AB",
+            3);
+        QTest::newRow("cut 16-bit length") << QByteArray("\xFF\x10", 2);
+    }
+
+    void openOfABrokenFileKeepsTheDocument() {
+        QFETCH(QByteArray, bytes);
+        const QString path = TempPath("broken.code");
+        WriteAll(path, bytes);
+        Practice()->setPlainText("KEEP");
+        Code()->setPlainText(" -.- . . .--.");
+        Doc().SetModifiedFlag(false);
+        CModalSeam::QueueFileName(path);
+        Doc().OnFileOpen();
+        QCOMPARE(CModalSeam::Messages().size(), 1);
+        QVERIFY(CModalSeam::Messages().constFirst().contains(QStringLiteral("broken.code")));
+        QCOMPARE(Practice()->toPlainText(), QStringLiteral("KEEP"));
+        QCOMPARE(Code()->toPlainText(), QStringLiteral(" -.- . . .--."));
+        QVERIFY(Doc().Title().isEmpty());
+        QVERIFY(Doc().PathName().isEmpty());
+    }
+
+    void aFailedSaveKeepsTheOldFile() {
+        const QString path = TempPath("kept.code");
+        Practice()->setPlainText("OLD");
+        Code()->clear();
+        CModalSeam::QueueFileName(path);
+        Doc().OnFileSave();
+        const QByteArray old = ReadAll(path);
+        QCOMPARE(old, QByteArray("\x03"
+                                 "OLD"
+                                 "\x00",
+                                 5));
+
+        Practice()->setPlainText(QString(400, QLatin1Char('N')));
+        {
+            const FileSizeLimit full(64);
+            Doc().OnFileSave();
+        }
+        QCOMPARE(ReadAll(path), old);
+        QCOMPARE(CModalSeam::Messages().size(), 1);
+        QVERIFY(CModalSeam::Messages().constFirst().startsWith(QStringLiteral("Cannot save")));
+        QVERIFY(Doc().IsModified());
+    }
+
+    void saveAsCancelledWritesNothing() {
+        Practice()->setPlainText("X");
+        Doc().OnFileSaveAs();  // no file name queued: the dialog was cancelled
+        QVERIFY(Doc().PathName().isEmpty());
+        QVERIFY(Doc().IsModified());
+    }
+
+    void textToCodeReadsDoubleSpaceOnEveryCall() {
+        QCOMPARE(Doc().TextToCode("E"), std::string(" ."));
+        Profile().WriteInt("UserSettings", "DblSpace", 1);
+        QCOMPARE(Doc().TextToCode("E"), std::string(" . "));
+    }
+};
+
+QTEST_MAIN(TonwerkDocTest)
+#include "TonwerkDocTest.moc"
