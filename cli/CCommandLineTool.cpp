@@ -13,10 +13,11 @@
 
 #include "model/CCrtRandom.h"
 #include "model/CMorseAlphabet.h"
-#include "model/CodePatterns.h"
 #include "model/CProfileSettings.h"
 #include "model/CRandomText.h"
+#include "model/CodePatterns.h"
 #include "model/CompletionEstimate.h"
+#include "sound/CCodeWaveGen.h"
 
 namespace {
 
@@ -54,31 +55,43 @@ struct CCommandLineTool::Options {
 // The subcommands, in the order the help lists them.
 const std::vector<CCommandLineTool::Command>& CCommandLineTool::Commands() {
     static const std::vector<Command> commands = {
-        {"encode", "encode [--double-space|--no-double-space] [TEXT]",
+        {"encode",
+         "encode [--double-space|--no-double-space] [TEXT]",
          "Print the code text of TEXT. Without a flag the profile's Double Space setting decides.",
          {},
          {"--double-space", "--no-double-space"},
          &CCommandLineTool::Encode},
-        {"decode", "decode [CODE]",
+        {"decode",
+         "decode [CODE]",
          "Print the text of a code text; \"/\" is a blank, unknown patterns vanish.",
          {},
          {},
          &CCommandLineTool::Decode},
-        {"estimate", "estimate --wpm N [--farnsworth F] [TEXT]",
+        {"estimate",
+         "estimate --wpm N [--farnsworth F] [TEXT]",
          "Print how long sending TEXT takes: the clock text HH:MM:SS, then seconds.",
          {"--wpm", "--farnsworth"},
          {},
          &CCommandLineTool::Estimate},
-        {"random", "random --count N --size N --chars SET [--seed S]",
+        {"random",
+         "random --count N --size N --chars SET [--seed S]",
          "Print COUNT random groups of SIZE characters taken from SET.",
          {"--count", "--size", "--chars", "--seed"},
          {},
          &CCommandLineTool::Random},
-        {"callsigns", "callsigns --count N [--seed S]",
+        {"callsigns",
+         "callsigns --count N [--seed S]",
          "Print COUNT random US call signs; S is the start time in seconds.",
          {"--count", "--seed"},
          {},
          &CCommandLineTool::CallSigns},
+        {"wav",
+         "wav --wpm N [--farnsworth F] -o FILE [TEXT]",
+         "Write TEXT as a WAV file of Morse code (PCM 11025 Hz, 16-bit, mono); FILE is\n"
+         "      replaced. Needs no sound device.",
+         {"--wpm", "--farnsworth", "-o", "--output"},
+         {},
+         &CCommandLineTool::Wav},
     };
     return commands;
 }
@@ -125,7 +138,11 @@ int CCommandLineTool::Run(const std::vector<std::string>& args) {
     bool optionsEnded = false;
     for (std::size_t i = 1; i < args.size(); ++i) {
         const std::string& arg = args[i];
-        if (optionsEnded || arg.size() < 2 || arg.compare(0, 2, "--") != 0) {
+        // Short value options such as "-o" are options only where the command knows them.
+        const bool known =
+            std::ranges::find(command.valueOptions, arg) != command.valueOptions.end() ||
+            std::ranges::find(command.flags, arg) != command.flags.end();
+        if (optionsEnded || arg.size() < 2 || (arg.compare(0, 2, "--") != 0 && !known)) {
             if (arg != "-h") {
                 options.text.push_back(arg);
                 continue;
@@ -237,8 +254,8 @@ int CCommandLineTool::Estimate(Options& options) {
     if (number.Failed()) {
         return kExitUsage;
     }
-    const double seconds =
-        EstimateSeconds(TextArgument(options), static_cast<int>(*wpm), static_cast<int>(*farnsworth));
+    const double seconds = EstimateSeconds(TextArgument(options), static_cast<int>(*wpm),
+                                           static_cast<int>(*farnsworth));
     char figure[64];
     std::snprintf(figure, sizeof figure, "%.3f", seconds);
     m_out << FormatCompletionTime(seconds) << '\n' << figure << '\n';
@@ -284,5 +301,33 @@ int CCommandLineTool::CallSigns(Options& options) {
         return kExitUsage;
     }
     m_out << CRandomText::CallSigns(static_cast<int>(*count), *seed) << '\n';
+    return kExitOk;
+}
+
+int CCommandLineTool::Wav(Options& options) {
+    CNumber number(options, m_err);
+    const auto wpm = number.Get("--wpm", 1, kMaxWordsPerMinute);
+    const auto farnsworth = number.Get("--farnsworth", 0, kMaxFarnsworth, 0);
+    if (number.Failed()) {
+        return kExitUsage;
+    }
+    auto output = options.values.find("-o");
+    if (output == options.values.end()) {
+        output = options.values.find("--output");
+    }
+    if (output == options.values.end() || output->second.empty()) {
+        return Usage("wav: -o FILE is required");
+    }
+    CCodeWaveGen generator;
+    generator.SetWordsPerMinute(static_cast<int>(*wpm));
+    generator.SetFarnsworthFactor(static_cast<int>(*farnsworth));
+    generator.SetText(TextArgument(options));
+    generator.SetFolder("");
+    generator.SetFileName(output->second);
+    generator.GenerateFile();
+    if (!generator.LastError().empty()) {
+        m_err << kProgram << " wav: " << generator.LastError() << '\n';
+        return kExitFailure;
+    }
     return kExitOk;
 }

@@ -33,6 +33,7 @@ private:
     int Estimate(Options& options);
     int Random(Options& options);
     int CallSigns(Options& options);
+    int Wav(Options& options);
 
     int Usage(std::string_view message);
     std::string TextArgument(const Options& options);

@@ -16,7 +16,9 @@
 
 namespace {
 
-long long FixedClock() { return 1700000000; }
+long long FixedClock() {
+    return 1700000000;
+}
 
 struct Result {
     int status;
@@ -25,7 +27,7 @@ struct Result {
 };
 
 Result RunTool(std::vector<std::string> args, const std::string& input = {},
-           CMemoryProfile* profile = nullptr) {
+               CMemoryProfile* profile = nullptr) {
     CMemoryProfile empty;
     std::istringstream in(input);
     std::ostringstream out;
@@ -109,7 +111,7 @@ TEST(CommandLineTool, UsageErrorsExitWithTwoAndOneLine) {
 TEST(CommandLineTool, HelpAndVersion) {
     const Result help = RunTool({"--help"});
     EXPECT_EQ(help.status, 0);
-    for (const char* command : {"encode", "decode", "estimate", "random", "callsigns"}) {
+    for (const char* command : {"encode", "decode", "estimate", "random", "callsigns", "wav"}) {
         EXPECT_NE(help.out.find(command), std::string::npos) << command;
         const Result one = RunTool({command, "--help"});
         EXPECT_EQ(one.status, 0);
@@ -117,6 +119,50 @@ TEST(CommandLineTool, HelpAndVersion) {
     }
     EXPECT_EQ(RunTool({"--version"}).out, "tonwerk-cli 1.0.0\n");
     EXPECT_EQ(RunTool({}).status, 2);
+}
+
+std::string ReadFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+TEST(CommandLineTool, WavWritesTheRenderedFile) {
+    const std::string path = ::testing::TempDir() + "tonwerk-cli-wav.wav";
+    Result r = RunTool({"wav", "--wpm", "12", "-o", path, "E"});
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.err, "");
+    EXPECT_EQ(ReadFile(path).size(), 5422u);
+    // Text from standard input, Farnsworth spacing, the long option name.
+    r = RunTool({"wav", "--wpm", "12", "--farnsworth", "1", "--output", path}, "e");
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(ReadFile(path).size(), 46u + (21 + 21 + 42 + 11) * 64u);
+    // "-o" after "--" is text, and the file is still required.
+    r = RunTool({"wav", "--wpm", "12", "--", "-o", path});
+    EXPECT_EQ(r.status, 2);
+    std::remove(path.c_str());
+}
+
+TEST(CommandLineTool, WavReportsBadNumbersAndUnwritableFiles) {
+    const std::string path = ::testing::TempDir() + "tonwerk-cli-wav-bad.wav";
+    for (const std::vector<std::string>& args :
+         {std::vector<std::string>{"wav", "-o", path, "E"},
+          {"wav", "--wpm", "0", "-o", path, "E"},
+          {"wav", "--wpm", "12x", "-o", path, "E"},
+          {"wav", "--wpm", "12", "--farnsworth", "-1", "-o", path, "E"},
+          {"wav", "--wpm", "12", "E"},
+          {"wav", "--wpm", "12", "-o"}}) {
+        const Result r = RunTool(args);
+        EXPECT_EQ(r.status, 2) << args.size();
+        EXPECT_NE(r.err, "");
+    }
+    EXPECT_FALSE(std::ifstream(path).good());
+    const Result missing =
+        RunTool({"wav", "--wpm", "12", "-o", ::testing::TempDir() + "no/such/dir/x.wav", "E"});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_NE(missing.err.find("tonwerk-cli wav: cannot create"), std::string::npos) << missing.err;
+    const Result full = RunTool({"wav", "--wpm", "12", "-o", "/dev/full", "PARIS"});
+    EXPECT_EQ(full.status, 1);
+    EXPECT_NE(full.err.find("cannot write /dev/full"), std::string::npos) << full.err;
 }
 
 // The real executable, fed binary bytes and a large text through its standard input.
@@ -132,10 +178,10 @@ TEST(CommandLineToolBinary, SurvivesAnyInput) {
             file.put(static_cast<char>(engine()));
         }
     }
-    for (const char* command : {"encode", "decode", "estimate --wpm 5 --farnsworth 99"}) {
-        const std::string line =
-            "XDG_CONFIG_HOME=" + ::testing::TempDir() + " " + tool + " " + command + " < " +
-            input + " > /dev/null";
+    for (const char* command : {"encode", "decode", "estimate --wpm 5 --farnsworth 99",
+                                "wav --wpm 200 --farnsworth 9 -o /dev/null"}) {
+        const std::string line = "XDG_CONFIG_HOME=" + ::testing::TempDir() + " " + tool + " " +
+                                 command + " < " + input + " > /dev/null";
         const int status = std::system(line.c_str());
         ASSERT_TRUE(WIFEXITED(status)) << command;
         EXPECT_EQ(WEXITSTATUS(status), 0) << command;
