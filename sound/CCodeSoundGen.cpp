@@ -47,20 +47,38 @@ CCodeSoundGen::~CCodeSoundGen() {
     }
 }
 
-void CCodeSoundGen::SetText(std::string_view text) { m_text = ToUpperAscii(text); }
-void CCodeSoundGen::SetWordsPerMinute(int wordsPerMinute) { m_wordsPerMinute = wordsPerMinute; }
-void CCodeSoundGen::SetPitch(int pitch) { m_pitch = pitch; }
-void CCodeSoundGen::SetFarnsworthFactor(int factor) { m_farnsworth = factor; }
-void CCodeSoundGen::SetProgressCtrl(IProgressCtrl* progress) { m_progress = progress; }
+void CCodeSoundGen::SetText(std::string_view text) {
+    m_text = ToUpperAscii(text);
+}
+void CCodeSoundGen::SetWordsPerMinute(int wordsPerMinute) {
+    m_wordsPerMinute = wordsPerMinute;
+}
+void CCodeSoundGen::SetPitch(int pitch) {
+    m_pitch = pitch;
+}
+void CCodeSoundGen::SetFarnsworthFactor(int factor) {
+    m_farnsworth = factor;
+}
+void CCodeSoundGen::SetProgressCtrl(IProgressCtrl* progress) {
+    m_progress = progress;
+}
 // The player learns its owner when a run starts: a worker that is still finishing may be using
 // the player right now.
-void CCodeSoundGen::SetNotifyWindow(INotifyTarget* notify) { m_notify = notify; }
+void CCodeSoundGen::SetNotifyWindow(INotifyTarget* notify) {
+    m_notify = notify;
+}
 
-int CCodeSoundGen::IsRunning() const { return m_running.load() != 0 ? 1 : 0; }
+int CCodeSoundGen::IsRunning() const {
+    return m_running.load() != 0 ? 1 : 0;
+}
 
-std::string CCodeSoundGen::LookupPattern(char c) { return std::string(::LookupPattern(c)); }
+std::string CCodeSoundGen::LookupPattern(char c) {
+    return std::string(::LookupPattern(c));
+}
 
-unsigned CCodeSoundGen::WorkFinishedMessage() { return s_workFinished; }
+unsigned CCodeSoundGen::WorkFinishedMessage() {
+    return s_workFinished;
+}
 
 int CCodeSoundGen::CountUnits() const {
     const std::int64_t units = ::CountUnits(m_text, m_farnsworth);
@@ -125,10 +143,10 @@ void CCodeSoundGen::Sleep(double milliseconds) const {
 }
 
 void CCodeSoundGen::Tone(const Run& run, float seconds) {
-    // Without a usable device the player returns at once; the tone is then waited out in
-    // silence so that the display keeps the rhythm.
+    // A pitch of 0 or below plays nothing, and without a usable device the player returns at
+    // once: either way the tone is waited out in silence so that the run keeps its full time.
     const auto start = std::chrono::steady_clock::now();
-    if (m_player.PlayTone(run.pitch, seconds) == 0) {
+    if (run.pitch <= 0 || m_player.PlayTone(run.pitch, seconds) == 0) {
         std::this_thread::sleep_until(start + std::chrono::duration<double>(seconds));
     }
 }
@@ -150,13 +168,9 @@ void CCodeSoundGen::GenerateThreadProc(Run& run) {
                 break;
             }
             if (element == '.') {
-                if (run.pitch > 0) {
-                    Tone(run, d);
-                }
+                Tone(run, d);
             } else if (element == '-') {
-                if (run.pitch > 0) {
-                    Tone(run, d * 3);
-                }
+                Tone(run, d * 3);
             } else if (element == ' ') {
                 Sleep(d * 1000 * 3);
                 if (factor > 0) {

@@ -41,8 +41,8 @@ long Player::Play(int loop) {
             m_playing = false;
             return kErrUninitialized;
         }
-        const long result =
-            m_output.Start(m_format, [this](std::byte* out, std::size_t bytes) { Fill(out, bytes); });
+        const long result = m_output.Start(
+            m_format, [this](std::byte* out, std::size_t bytes) { Fill(out, bytes); });
         if (result != kOk) {
             std::lock_guard lock(m_bufferMutex);
             m_playing = false;
