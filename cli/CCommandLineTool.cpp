@@ -3,20 +3,28 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
+#include <condition_variable>
+#include <csignal>
 #include <cstdio>
+#include <deque>
 #include <istream>
 #include <iterator>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <ostream>
 #include <set>
 
+#include "audio/INotifyTarget.h"
+#include "audio/WaveAudio.h"
 #include "model/CCrtRandom.h"
 #include "model/CMorseAlphabet.h"
 #include "model/CProfileSettings.h"
 #include "model/CRandomText.h"
 #include "model/CodePatterns.h"
 #include "model/CompletionEstimate.h"
+#include "sound/CCodeSoundGen.h"
 #include "sound/CCodeWaveGen.h"
 
 namespace {
@@ -31,6 +39,8 @@ constexpr long long kMaxGroups = 100000;
 constexpr long long kMaxGroupSize = 1000;
 constexpr long long kMaxCallSigns = 10000;
 constexpr long long kSeedLimit = 1LL << 62;
+constexpr long long kMaxPitch = 20000;
+constexpr int kExitInterrupted = 130;
 
 }  // namespace
 
@@ -92,6 +102,14 @@ const std::vector<CCommandLineTool::Command>& CCommandLineTool::Commands() {
          {"--wpm", "--farnsworth", "-o", "--output"},
          {},
          &CCommandLineTool::Wav},
+        {"play",
+         "play --wpm N [--farnsworth F] [--pitch HZ] [TEXT]",
+         "Key TEXT live through the default sound output, printing each character as it is\n"
+         "      sent; Ctrl+C stops after the current character. Without a device the timing\n"
+         "      runs silently. The pitch defaults to the profile's.",
+         {"--wpm", "--farnsworth", "--pitch"},
+         {},
+         &CCommandLineTool::Play},
     };
     return commands;
 }
@@ -330,4 +348,113 @@ int CCommandLineTool::Wav(Options& options) {
         return kExitFailure;
     }
     return kExitOk;
+}
+
+namespace {
+
+volatile std::sig_atomic_t s_interrupted = 0;
+
+extern "C" void OnInterrupt(int) {
+    s_interrupted = 1;
+}
+
+/// The worker's posts, handed to the thread that waits for them.
+class CMessageQueue : public INotifyTarget {
+public:
+    void PostMessage(unsigned message, std::uintptr_t, std::intptr_t) override {
+        std::lock_guard lock(m_mutex);
+        m_messages.push_back(message);
+        m_posted.notify_one();
+    }
+
+    /// The next message, or 0 when none came within the time.
+    unsigned Next(std::chrono::milliseconds timeout) {
+        std::unique_lock lock(m_mutex);
+        if (!m_posted.wait_for(lock, timeout, [this] { return !m_messages.empty(); })) {
+            return 0;
+        }
+        const unsigned message = m_messages.front();
+        m_messages.pop_front();
+        return message;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_posted;
+    std::deque<unsigned> m_messages;
+};
+
+}  // namespace
+
+int CCommandLineTool::Play(Options& options) {
+    CNumber number(options, m_err);
+    const auto wpm = number.Get("--wpm", 1, kMaxWordsPerMinute);
+    const auto farnsworth = number.Get("--farnsworth", 0, kMaxFarnsworth, 0);
+    const auto pitch =
+        number.Get("--pitch", 0, kMaxPitch, CProfileSettings(m_profile).GetToneMHz());
+    if (number.Failed()) {
+        return kExitUsage;
+    }
+    const std::string text = ToUpperAscii(TextArgument(options));
+    if (text.empty()) {
+        return kExitOk;
+    }
+
+    if (*pitch > 0) {
+        WaveFormat format;
+        format.channels = 1;
+        format.samplesPerSec = 96000;
+        format.avgBytesPerSec = 96000;
+        format.blockAlign = 1;
+        format.bitsPerSample = 8;
+        const MmResult probe =
+            WaveOutOpen(nullptr, kWaveMapper, &format, nullptr, 0, kWaveFormatQuery);
+        if (probe != kMmNoError) {
+            const std::string reason = WaveGetErrorText(probe);
+            m_err << kProgram << " play: no sound output ("
+                  << (reason.empty() ? "error " + std::to_string(probe) : reason)
+                  << "); keying silently\n";
+        }
+    }
+
+    CMessageQueue queue;
+    CCodeSoundGen generator;
+    generator.SetWordsPerMinute(static_cast<int>(*wpm));
+    generator.SetPitch(static_cast<int>(*pitch));
+    generator.SetText(text);
+    generator.SetFarnsworthFactor(static_cast<int>(*farnsworth));
+    generator.SetNotifyWindow(&queue);
+
+    s_interrupted = 0;
+    const auto previous = std::signal(SIGINT, OnInterrupt);
+    if (generator.StartStop() == 0) {
+        std::signal(SIGINT, previous);
+        m_err << kProgram << " play: cannot start the keying thread\n";
+        return kExitFailure;
+    }
+    bool stopped = false;
+    std::size_t next = 0;
+    for (;;) {
+        const unsigned message = queue.Next(std::chrono::milliseconds(20));
+        if (s_interrupted != 0 && !stopped) {
+            // As the Stop button: the character being sent ends, then the run.
+            generator.StartStop();
+            stopped = true;
+        }
+        if (message == kAppMessage + 2) {
+            while (next < text.size() && text[next] == ' ') {
+                m_out << ' ';
+                ++next;
+            }
+            if (next < text.size()) {
+                m_out << text[next++];
+            }
+            m_out.flush();
+        } else if (message == kAppMessage + 1) {
+            break;
+        }
+    }
+    std::signal(SIGINT, previous);
+    m_out << '\n';
+    return stopped ? kExitInterrupted : kExitOk;
 }

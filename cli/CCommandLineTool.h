@@ -34,6 +34,7 @@ private:
     int Random(Options& options);
     int CallSigns(Options& options);
     int Wav(Options& options);
+    int Play(Options& options);
 
     int Usage(std::string_view message);
     std::string TextArgument(const Options& options);

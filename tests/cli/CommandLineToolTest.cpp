@@ -5,6 +5,7 @@
 
 #include <sys/wait.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -111,7 +112,8 @@ TEST(CommandLineTool, UsageErrorsExitWithTwoAndOneLine) {
 TEST(CommandLineTool, HelpAndVersion) {
     const Result help = RunTool({"--help"});
     EXPECT_EQ(help.status, 0);
-    for (const char* command : {"encode", "decode", "estimate", "random", "callsigns", "wav"}) {
+    for (const char* command :
+         {"encode", "decode", "estimate", "random", "callsigns", "wav", "play"}) {
         EXPECT_NE(help.out.find(command), std::string::npos) << command;
         const Result one = RunTool({command, "--help"});
         EXPECT_EQ(one.status, 0);
@@ -163,6 +165,47 @@ TEST(CommandLineTool, WavReportsBadNumbersAndUnwritableFiles) {
     const Result full = RunTool({"wav", "--wpm", "12", "-o", "/dev/full", "PARIS"});
     EXPECT_EQ(full.status, 1);
     EXPECT_NE(full.err.find("cannot write /dev/full"), std::string::npos) << full.err;
+}
+
+TEST(CommandLineTool, PlayPrintsEachCharacterAsItIsSent) {
+    const auto start = std::chrono::steady_clock::now();
+    const Result r = RunTool({"play", "--wpm", "60", "--pitch", "0", "e e"});
+    const double seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, "E E\n");
+    // 60 WPM: dit 20 ms; "E E" keys 1 + 2 + 5 + 1 + 2 = 11 dits, silently at pitch 0.
+    EXPECT_GE(seconds, 0.2);
+    EXPECT_LT(seconds, 1.0);
+    EXPECT_EQ(RunTool({"play", "--wpm", "60", ""}).out, "");
+    EXPECT_EQ(RunTool({"play", "--wpm", "60", "--pitch", "-1", "E"}).status, 2);
+    EXPECT_EQ(RunTool({"play", "E"}).status, 2);
+}
+
+// Ctrl+C on the real executable: the run ends after the character being sent.
+TEST(CommandLineToolBinary, PlayStopsOnInterrupt) {
+    const char* binaryDir = std::getenv("TONWERK_BINARY_DIR");
+    ASSERT_NE(binaryDir, nullptr);
+    const std::string tool = std::string(binaryDir) + "/cli/tonwerk-cli";
+    const std::string out = ::testing::TempDir() + "tonwerk-cli-play.txt";
+    const std::string line = "XDG_CONFIG_HOME=" + ::testing::TempDir() + " " + tool +
+                             " play --wpm 12 --pitch 0 PARIS PARIS PARIS > " + out +
+                             " 2>/dev/null & pid=$!; sleep 0.5; kill -INT $pid; wait $pid";
+    const auto start = std::chrono::steady_clock::now();
+    const int status = std::system(line.c_str());
+    const double seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 130);
+    // The whole text takes 8.2 s; a stop ends within one character's time.
+    EXPECT_LT(seconds, 2.5);
+    const std::string printed = ReadFile(out);
+    EXPECT_FALSE(printed.empty());
+    EXPECT_EQ(std::string("PARIS PARIS PARIS\n").rfind(printed.substr(0, printed.size() - 1), 0),
+              0U)
+        << printed;
+    EXPECT_LT(printed.size(), 8U);
+    std::remove(out.c_str());
 }
 
 // The real executable, fed binary bytes and a large text through its standard input.
