@@ -152,7 +152,13 @@ TEST_F(PlayerTest, NotificationPositionsArriveInOrder) {
     EXPECT_FALSE(m_player.SetNotificationPositions({100}));
     ASSERT_TRUE(m_player.SetNotificationPositions({0, 25, 50, 99}));
     m_player.Play(1);
-    for (int i = 0; i < 20; ++i) {
+    // Events are auto-reset flags, as on the old platform: a position passed again before the
+    // listener ran is reported once, so each pass round the buffer is waited for.
+    for (int i = 0; i < 10; ++i) {
+        m_output.Pull(10);
+    }
+    ASSERT_TRUE(listener.WaitFor(4));
+    for (int i = 0; i < 10; ++i) {
         m_output.Pull(10);
     }
     ASSERT_TRUE(listener.WaitFor(8));
