@@ -7,6 +7,8 @@
 
 #include <alsa/asoundlib.h>
 #include <portaudio.h>
+#include <pthread.h>
+#include <sched.h>
 
 #include <algorithm>
 #include <array>
@@ -32,15 +34,22 @@ constexpr auto kHandshakeWait = 400ms;
 constexpr auto kTeardownWait = 800ms;
 constexpr auto kIdlePoll = 20ms;
 constexpr auto kBusyPoll = 1ms;
+constexpr int kLayerThreadPriority = 10;
+constexpr std::int64_t kSettleNs = 150'000'000;
+constexpr auto kSettleWait = 800ms;
 /// A buffer written to an idle output starts this long after the write, by the stream clock:
 /// the same delay for every tone keeps gaps exact instead of rounding them to the period.
-/// The lead covers the output delay (about 9 ms through the sound server) plus one period. A
+/// Output buffering: enough to ride out a busy machine without a dropout.
+constexpr double kOutputLatency = 0.025;
+/// The lead (at least this) covers the output delay plus one period, as measured once the
+/// stream has settled. A
 /// header is done this long before its end is heard: the next write, made when the caller saw
 /// it done, is heard exactly where the caller meant it to start.
-constexpr std::int64_t kOnsetLeadNs = 15'000'000;
+constexpr std::int64_t kOnsetLeadNs = 10'000'000;
+constexpr std::int64_t kLeadMarginNs = 3'000'000;
 /// Measured here: from the done flag to the caller's next write (thread wake-ups, the caller's
-/// own sleep overshooting) takes about 0.6 ms; the flag is set that much earlier.
-constexpr std::int64_t kWakeAllowanceNs = 600'000;
+/// own sleep overshooting) takes about 0.35 ms; the flag is set that much earlier.
+constexpr std::int64_t kWakeAllowanceNs = 350'000;
 
 /// A fixed ring for one producer and one consumer thread.
 template <typename T, std::size_t N> class SpscRing {
@@ -74,6 +83,14 @@ private:
 std::int64_t NowNs() {
     return std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now().time_since_epoch())
         .count();
+}
+
+/// Done flags time the caller's next tone, so the thread that sets them should wake on time even
+/// on a busy machine: real-time priority where the system grants it, else as it was.
+void RaisePriority() {
+    sched_param parameter{};
+    parameter.sched_priority = kLayerThreadPriority;
+    pthread_setschedparam(pthread_self(), SCHED_FIFO, &parameter);
 }
 
 void QuietAlsa(const char*, int, const char*, int, const char*, ...) {}
@@ -151,7 +168,8 @@ PaStreamParameters StreamParameters(PaDeviceIndex device, const WaveFormat& form
     const PaDeviceInfo* info = Pa_GetDeviceInfo(device);
     if (info != nullptr) {
         parameters.suggestedLatency =
-            output ? info->defaultLowOutputLatency : info->defaultLowInputLatency;
+            output ? std::max(info->defaultLowOutputLatency, kOutputLatency)
+                   : info->defaultLowInputLatency;
     }
     return parameters;
 }
@@ -217,7 +235,10 @@ public:
 
     void StartLayerThread() {
         m_lastCallbackNs = NowNs();
-        m_thread = std::thread([this] { Run(); });
+        m_thread = std::thread([this] {
+            RaisePriority();
+            Run();
+        });
     }
     void StopLayerThread() {
         {
@@ -256,7 +277,10 @@ public:
             m_inCallback.store(false);
             return false;
         }
-        m_lastCallbackNs.store(NowNs(), std::memory_order_relaxed);
+        const std::int64_t now = NowNs();
+        m_lastCallbackNs.store(now, std::memory_order_relaxed);
+        std::int64_t never = 0;
+        m_firstCallbackNs.compare_exchange_strong(never, now);
         return true;
     }
     void LeaveCallback() { m_inCallback.store(false); }
@@ -276,6 +300,21 @@ protected:
     std::atomic<bool> m_disabled{false};
     std::atomic<bool> m_inCallback{false};
     std::atomic<std::int64_t> m_lastCallbackNs{0};
+    std::atomic<std::int64_t> m_firstCallbackNs{0};
+
+public:
+    /// Waits (bounded) until the stream has run steadily for a while: the server takes the
+    /// first few periods to settle, and a tone written into them comes out mangled.
+    void WaitUntilSettled() {
+        const auto deadline = Clock::now() + kSettleWait;
+        while (Clock::now() < deadline) {
+            const std::int64_t first = m_firstCallbackNs.load();
+            if (first != 0 && NowNs() - first >= kSettleNs) {
+                return;
+            }
+            std::this_thread::sleep_for(2ms);
+        }
+    }
 
 private:
     void Run() {
@@ -357,6 +396,18 @@ struct WaveOutDevice final : DeviceCore {
     std::int64_t m_startNs = 0;   // when the current header's first sample is due
     std::int64_t m_lastEndNs = 0; // when the previous header's last sample will be heard
     double m_latency = 0.0;       // seconds from a callback to its first sample being heard
+    std::atomic<unsigned long> m_periodFrames{0};
+    std::int64_t m_leadNs = kOnsetLeadNs; // fixed once the stream has settled
+
+    /// The lead for this stream: its output delay and one period, plus a margin.
+    void FixLead() {
+        const double period = static_cast<double>(m_periodFrames.load()) / m_format.samplesPerSec;
+        const double measured = m_measuredLatency.load() + period;
+        if (measured > 0.0) {
+            m_leadNs = std::max(kOnsetLeadNs, static_cast<std::int64_t>(measured * 1e9) + kLeadMarginNs);
+        }
+    }
+    std::atomic<double> m_measuredLatency{0.0};
     // Owned by the layer thread.
     std::deque<Completion> m_waiting;
 
@@ -373,9 +424,11 @@ struct WaveOutDevice final : DeviceCore {
         // Some periods come without a usable output time; the delay does not change between them.
         if (latency > 0.0 && latency < 1.0) {
             m_latency = latency;
+            m_measuredLatency.store(latency, std::memory_order_relaxed);
         } else {
             latency = m_latency;
         }
+        m_periodFrames.store(frames, std::memory_order_relaxed);
         const std::uint32_t reset = m_resetRequested.load();
         if (reset != m_resetSeen) {
             ReturnEverything(now);
@@ -393,7 +446,7 @@ struct WaveOutDevice final : DeviceCore {
                 }
                 m_offset = 0;
                 m_currentReturned = false;
-                m_startNs = std::max(m_current.submittedNs + kOnsetLeadNs, m_lastEndNs);
+                m_startNs = std::max(m_current.submittedNs + m_leadNs, m_lastEndNs);
             }
             const std::uint32_t usable = m_current.length - m_current.length % blockAlign;
             if (m_offset == 0 && !m_currentReturned) {
@@ -413,7 +466,7 @@ struct WaveOutDevice final : DeviceCore {
                 m_lastEndNs = startNs + static_cast<std::int64_t>((usable / blockAlign) / rate * 1e9);
                 m_heardEndNs.store(m_lastEndNs, std::memory_order_relaxed);
                 m_completed.Push(
-                    {m_current.header, m_lastEndNs - kOnsetLeadNs - kWakeAllowanceNs, nullptr});
+                    {m_current.header, m_lastEndNs - m_leadNs - kWakeAllowanceNs, nullptr});
                 m_currentReturned = true;
             }
             const unsigned long left = (usable - m_offset) / blockAlign;
@@ -581,6 +634,8 @@ MmResult WaveOutOpen(WaveOutHandle* device, unsigned deviceId, const WaveFormat*
     }
     lock.unlock();
     opened->StartLayerThread();
+    opened->WaitUntilSettled();
+    opened->FixLead();
     opened->m_started = true;
     if (opened->m_callback != nullptr) {
         opened->m_callback(opened, kWaveOutOpened, instance, nullptr);
@@ -703,7 +758,7 @@ MmResult WaveOutClose(WaveOutHandle device) {
     }
     // Done comes a little before the end is heard; let the tail play out before closing.
     const std::int64_t tail = device->m_heardEndNs.load() - NowNs();
-    if (!device->m_dead.load() && tail > 0 && tail < 2 * kOnsetLeadNs) {
+    if (!device->m_dead.load() && tail > 0 && tail < 2 * device->m_leadNs) {
         std::this_thread::sleep_for(std::chrono::nanoseconds(tail + 2'000'000));
     }
     device->DisableCallback();
