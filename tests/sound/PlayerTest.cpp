@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "../audio/SinkRecorder.h"
+#include "SinkListener.h"
 #include "sound/CWaveOutPcmOutput.h"
 #include "sound/IPlayerListener.h"
 
@@ -220,7 +220,7 @@ TEST(PlayerFailures, NothingToPlayOrNoDevice) {
 
 // Through the audio layer to the test server: a 0.3 s tone is heard once, positions in order.
 TEST(PlayerAtTheSink, PlaysTheBufferOnceWithNotifications) {
-    SinkRecorder recorder;
+    SinkListener recorder;
     ASSERT_TRUE(recorder.Running());
     CWaveOutPcmOutput output;
     Player player(output);
