@@ -278,12 +278,16 @@ TEST(CodeSoundGen, DestroyingARunningWorkerStopsAndWaitsForIt) {
         CCodeSoundGen gen;
         gen.SetWordsPerMinute(12);
         gen.SetPitch(0);
-        gen.SetText("PARIS PARIS PARIS");
+        // About 90 s of keying; the stop must not wait for it.
+        gen.SetText(
+            "PARIS PARIS PARIS PARIS PARIS PARIS PARIS PARIS PARIS PARIS PARIS PARIS "
+            "PARIS PARIS PARIS PARIS PARIS PARIS PARIS PARIS");
         gen.SetNotifyWindow(&target);
         ASSERT_EQ(gen.StartStop(), 1);
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
-    EXPECT_LT(TimedTarget::Since(start), 1.0);
+    // Opening the device comes first and may be slow (under the sanitizers, seconds).
+    EXPECT_LT(TimedTarget::Since(start), 1.0 + 10.0);
     EXPECT_EQ(target.Count(kFinished), 1U);
 }
 
