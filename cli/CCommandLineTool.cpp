@@ -3,20 +3,29 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
+#include <condition_variable>
+#include <csignal>
 #include <cstdio>
+#include <deque>
 #include <istream>
 #include <iterator>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <ostream>
 #include <set>
 
+#include "audio/INotifyTarget.h"
+#include "audio/WaveAudio.h"
 #include "model/CCrtRandom.h"
 #include "model/CMorseAlphabet.h"
-#include "model/CodePatterns.h"
 #include "model/CProfileSettings.h"
 #include "model/CRandomText.h"
+#include "model/CodePatterns.h"
 #include "model/CompletionEstimate.h"
+#include "sound/CCodeSoundGen.h"
+#include "sound/CCodeWaveGen.h"
 
 namespace {
 
@@ -30,6 +39,8 @@ constexpr long long kMaxGroups = 100000;
 constexpr long long kMaxGroupSize = 1000;
 constexpr long long kMaxCallSigns = 10000;
 constexpr long long kSeedLimit = 1LL << 62;
+constexpr long long kMaxPitch = 20000;
+constexpr int kExitInterrupted = 130;
 
 }  // namespace
 
@@ -54,31 +65,51 @@ struct CCommandLineTool::Options {
 // The subcommands, in the order the help lists them.
 const std::vector<CCommandLineTool::Command>& CCommandLineTool::Commands() {
     static const std::vector<Command> commands = {
-        {"encode", "encode [--double-space|--no-double-space] [TEXT]",
+        {"encode",
+         "encode [--double-space|--no-double-space] [TEXT]",
          "Print the code text of TEXT. Without a flag the profile's Double Space setting decides.",
          {},
          {"--double-space", "--no-double-space"},
          &CCommandLineTool::Encode},
-        {"decode", "decode [CODE]",
+        {"decode",
+         "decode [CODE]",
          "Print the text of a code text; \"/\" is a blank, unknown patterns vanish.",
          {},
          {},
          &CCommandLineTool::Decode},
-        {"estimate", "estimate --wpm N [--farnsworth F] [TEXT]",
+        {"estimate",
+         "estimate --wpm N [--farnsworth F] [TEXT]",
          "Print how long sending TEXT takes: the clock text HH:MM:SS, then seconds.",
          {"--wpm", "--farnsworth"},
          {},
          &CCommandLineTool::Estimate},
-        {"random", "random --count N --size N --chars SET [--seed S]",
+        {"random",
+         "random --count N --size N --chars SET [--seed S]",
          "Print COUNT random groups of SIZE characters taken from SET.",
          {"--count", "--size", "--chars", "--seed"},
          {},
          &CCommandLineTool::Random},
-        {"callsigns", "callsigns --count N [--seed S]",
+        {"callsigns",
+         "callsigns --count N [--seed S]",
          "Print COUNT random US call signs; S is the start time in seconds.",
          {"--count", "--seed"},
          {},
          &CCommandLineTool::CallSigns},
+        {"wav",
+         "wav --wpm N [--farnsworth F] -o FILE [TEXT]",
+         "Write TEXT as a WAV file of Morse code (PCM 11025 Hz, 16-bit, mono); FILE is\n"
+         "      replaced. Needs no sound device.",
+         {"--wpm", "--farnsworth", "-o", "--output"},
+         {},
+         &CCommandLineTool::Wav},
+        {"play",
+         "play --wpm N [--farnsworth F] [--pitch HZ] [TEXT]",
+         "Key TEXT live through the default sound output, printing each character as it is\n"
+         "      sent; Ctrl+C stops after the current character. Without a device the timing\n"
+         "      runs silently. The pitch defaults to the profile's.",
+         {"--wpm", "--farnsworth", "--pitch"},
+         {},
+         &CCommandLineTool::Play},
     };
     return commands;
 }
@@ -125,7 +156,11 @@ int CCommandLineTool::Run(const std::vector<std::string>& args) {
     bool optionsEnded = false;
     for (std::size_t i = 1; i < args.size(); ++i) {
         const std::string& arg = args[i];
-        if (optionsEnded || arg.size() < 2 || arg.compare(0, 2, "--") != 0) {
+        // Short value options such as "-o" are options only where the command knows them.
+        const bool known =
+            std::ranges::find(command.valueOptions, arg) != command.valueOptions.end() ||
+            std::ranges::find(command.flags, arg) != command.flags.end();
+        if (optionsEnded || arg.size() < 2 || (arg.compare(0, 2, "--") != 0 && !known)) {
             if (arg != "-h") {
                 options.text.push_back(arg);
                 continue;
@@ -237,8 +272,8 @@ int CCommandLineTool::Estimate(Options& options) {
     if (number.Failed()) {
         return kExitUsage;
     }
-    const double seconds =
-        EstimateSeconds(TextArgument(options), static_cast<int>(*wpm), static_cast<int>(*farnsworth));
+    const double seconds = EstimateSeconds(TextArgument(options), static_cast<int>(*wpm),
+                                           static_cast<int>(*farnsworth));
     char figure[64];
     std::snprintf(figure, sizeof figure, "%.3f", seconds);
     m_out << FormatCompletionTime(seconds) << '\n' << figure << '\n';
@@ -285,4 +320,141 @@ int CCommandLineTool::CallSigns(Options& options) {
     }
     m_out << CRandomText::CallSigns(static_cast<int>(*count), *seed) << '\n';
     return kExitOk;
+}
+
+int CCommandLineTool::Wav(Options& options) {
+    CNumber number(options, m_err);
+    const auto wpm = number.Get("--wpm", 1, kMaxWordsPerMinute);
+    const auto farnsworth = number.Get("--farnsworth", 0, kMaxFarnsworth, 0);
+    if (number.Failed()) {
+        return kExitUsage;
+    }
+    auto output = options.values.find("-o");
+    if (output == options.values.end()) {
+        output = options.values.find("--output");
+    }
+    if (output == options.values.end() || output->second.empty()) {
+        return Usage("wav: -o FILE is required");
+    }
+    CCodeWaveGen generator;
+    generator.SetWordsPerMinute(static_cast<int>(*wpm));
+    generator.SetFarnsworthFactor(static_cast<int>(*farnsworth));
+    generator.SetText(TextArgument(options));
+    generator.SetFolder("");
+    generator.SetFileName(output->second);
+    generator.GenerateFile();
+    if (!generator.LastError().empty()) {
+        m_err << kProgram << " wav: " << generator.LastError() << '\n';
+        return kExitFailure;
+    }
+    return kExitOk;
+}
+
+namespace {
+
+volatile std::sig_atomic_t s_interrupted = 0;
+
+extern "C" void OnInterrupt(int) {
+    s_interrupted = 1;
+}
+
+/// The worker's posts, handed to the thread that waits for them.
+class CMessageQueue : public INotifyTarget {
+public:
+    void PostMessage(unsigned message, std::uintptr_t, std::intptr_t) override {
+        std::lock_guard lock(m_mutex);
+        m_messages.push_back(message);
+        m_posted.notify_one();
+    }
+
+    /// The next message, or 0 when none came within the time.
+    unsigned Next(std::chrono::milliseconds timeout) {
+        std::unique_lock lock(m_mutex);
+        if (!m_posted.wait_for(lock, timeout, [this] { return !m_messages.empty(); })) {
+            return 0;
+        }
+        const unsigned message = m_messages.front();
+        m_messages.pop_front();
+        return message;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_posted;
+    std::deque<unsigned> m_messages;
+};
+
+}  // namespace
+
+int CCommandLineTool::Play(Options& options) {
+    CNumber number(options, m_err);
+    const auto wpm = number.Get("--wpm", 1, kMaxWordsPerMinute);
+    const auto farnsworth = number.Get("--farnsworth", 0, kMaxFarnsworth, 0);
+    const auto pitch =
+        number.Get("--pitch", 0, kMaxPitch, CProfileSettings(m_profile).GetToneMHz());
+    if (number.Failed()) {
+        return kExitUsage;
+    }
+    const std::string text = ToUpperAscii(TextArgument(options));
+    if (text.empty()) {
+        return kExitOk;
+    }
+
+    if (*pitch > 0) {
+        WaveFormat format;
+        format.channels = 1;
+        format.samplesPerSec = 96000;
+        format.avgBytesPerSec = 96000;
+        format.blockAlign = 1;
+        format.bitsPerSample = 8;
+        const MmResult probe =
+            WaveOutOpen(nullptr, kWaveMapper, &format, nullptr, 0, kWaveFormatQuery);
+        if (probe != kMmNoError) {
+            const std::string reason = WaveGetErrorText(probe);
+            m_err << kProgram << " play: no sound output ("
+                  << (reason.empty() ? "error " + std::to_string(probe) : reason)
+                  << "); keying silently\n";
+        }
+    }
+
+    CMessageQueue queue;
+    CCodeSoundGen generator;
+    generator.SetWordsPerMinute(static_cast<int>(*wpm));
+    generator.SetPitch(static_cast<int>(*pitch));
+    generator.SetText(text);
+    generator.SetFarnsworthFactor(static_cast<int>(*farnsworth));
+    generator.SetNotifyWindow(&queue);
+
+    s_interrupted = 0;
+    const auto previous = std::signal(SIGINT, OnInterrupt);
+    if (generator.StartStop() == 0) {
+        std::signal(SIGINT, previous);
+        m_err << kProgram << " play: cannot start the keying thread\n";
+        return kExitFailure;
+    }
+    bool stopped = false;
+    std::size_t next = 0;
+    for (;;) {
+        const unsigned message = queue.Next(std::chrono::milliseconds(20));
+        if (s_interrupted != 0 && !stopped) {
+            // As the Stop button: the character being sent ends, then the run.
+            generator.StartStop();
+            stopped = true;
+        }
+        if (message == kAppMessage + 2) {
+            while (next < text.size() && text[next] == ' ') {
+                m_out << ' ';
+                ++next;
+            }
+            if (next < text.size()) {
+                m_out << text[next++];
+            }
+            m_out.flush();
+        } else if (message == kAppMessage + 1) {
+            break;
+        }
+    }
+    std::signal(SIGINT, previous);
+    m_out << '\n';
+    return stopped ? kExitInterrupted : kExitOk;
 }

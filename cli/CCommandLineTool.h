@@ -33,6 +33,8 @@ private:
     int Estimate(Options& options);
     int Random(Options& options);
     int CallSigns(Options& options);
+    int Wav(Options& options);
+    int Play(Options& options);
 
     int Usage(std::string_view message);
     std::string TextArgument(const Options& options);

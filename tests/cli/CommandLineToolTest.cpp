@@ -5,6 +5,7 @@
 
 #include <sys/wait.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -16,7 +17,9 @@
 
 namespace {
 
-long long FixedClock() { return 1700000000; }
+long long FixedClock() {
+    return 1700000000;
+}
 
 struct Result {
     int status;
@@ -25,7 +28,7 @@ struct Result {
 };
 
 Result RunTool(std::vector<std::string> args, const std::string& input = {},
-           CMemoryProfile* profile = nullptr) {
+               CMemoryProfile* profile = nullptr) {
     CMemoryProfile empty;
     std::istringstream in(input);
     std::ostringstream out;
@@ -109,7 +112,8 @@ TEST(CommandLineTool, UsageErrorsExitWithTwoAndOneLine) {
 TEST(CommandLineTool, HelpAndVersion) {
     const Result help = RunTool({"--help"});
     EXPECT_EQ(help.status, 0);
-    for (const char* command : {"encode", "decode", "estimate", "random", "callsigns"}) {
+    for (const char* command :
+         {"encode", "decode", "estimate", "random", "callsigns", "wav", "play"}) {
         EXPECT_NE(help.out.find(command), std::string::npos) << command;
         const Result one = RunTool({command, "--help"});
         EXPECT_EQ(one.status, 0);
@@ -117,6 +121,94 @@ TEST(CommandLineTool, HelpAndVersion) {
     }
     EXPECT_EQ(RunTool({"--version"}).out, "tonwerk-cli 1.0.0\n");
     EXPECT_EQ(RunTool({}).status, 2);
+}
+
+std::string ReadFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+TEST(CommandLineTool, WavWritesTheRenderedFile) {
+    const std::string path = ::testing::TempDir() + "tonwerk-cli-wav.wav";
+    Result r = RunTool({"wav", "--wpm", "12", "-o", path, "E"});
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.err, "");
+    EXPECT_EQ(ReadFile(path).size(), 5422u);
+    // Text from standard input, Farnsworth spacing, the long option name.
+    r = RunTool({"wav", "--wpm", "12", "--farnsworth", "1", "--output", path}, "e");
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(ReadFile(path).size(), 46u + (21 + 21 + 42 + 11) * 64u);
+    // "-o" after "--" is text, and the file is still required.
+    r = RunTool({"wav", "--wpm", "12", "--", "-o", path});
+    EXPECT_EQ(r.status, 2);
+    std::remove(path.c_str());
+}
+
+TEST(CommandLineTool, WavReportsBadNumbersAndUnwritableFiles) {
+    const std::string path = ::testing::TempDir() + "tonwerk-cli-wav-bad.wav";
+    for (const std::vector<std::string>& args :
+         {std::vector<std::string>{"wav", "-o", path, "E"},
+          {"wav", "--wpm", "0", "-o", path, "E"},
+          {"wav", "--wpm", "12x", "-o", path, "E"},
+          {"wav", "--wpm", "12", "--farnsworth", "-1", "-o", path, "E"},
+          {"wav", "--wpm", "12", "E"},
+          {"wav", "--wpm", "12", "-o"}}) {
+        const Result r = RunTool(args);
+        EXPECT_EQ(r.status, 2) << args.size();
+        EXPECT_NE(r.err, "");
+    }
+    EXPECT_FALSE(std::ifstream(path).good());
+    const Result missing =
+        RunTool({"wav", "--wpm", "12", "-o", ::testing::TempDir() + "no/such/dir/x.wav", "E"});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_NE(missing.err.find("tonwerk-cli wav: cannot create"), std::string::npos) << missing.err;
+    const Result full = RunTool({"wav", "--wpm", "12", "-o", "/dev/full", "PARIS"});
+    EXPECT_EQ(full.status, 1);
+    EXPECT_NE(full.err.find("cannot write /dev/full"), std::string::npos) << full.err;
+}
+
+TEST(CommandLineTool, PlayPrintsEachCharacterAsItIsSent) {
+    const auto start = std::chrono::steady_clock::now();
+    const Result r = RunTool({"play", "--wpm", "60", "--pitch", "0", "e e"});
+    const double seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, "E E\n");
+    // 60 WPM: dit 20 ms; "E E" keys 1 + 2 + 5 + 1 + 2 = 11 dits, silently at pitch 0.
+    EXPECT_GE(seconds, 0.2);
+    EXPECT_LT(seconds, 1.0);
+    EXPECT_EQ(RunTool({"play", "--wpm", "60", ""}).out, "");
+    EXPECT_EQ(RunTool({"play", "--wpm", "60", "--pitch", "-1", "E"}).status, 2);
+    EXPECT_EQ(RunTool({"play", "E"}).status, 2);
+}
+
+// Ctrl+C on the real executable: the run ends after the character being sent.
+TEST(CommandLineToolBinary, PlayStopsOnInterrupt) {
+    const char* binaryDir = std::getenv("TONWERK_BINARY_DIR");
+    ASSERT_NE(binaryDir, nullptr);
+    const std::string tool = std::string(binaryDir) + "/cli/tonwerk-cli";
+    const std::string out = ::testing::TempDir() + "tonwerk-cli-play.txt";
+    // Full allocation stacks let the leak checker tell the sound plugins' loaders from ours.
+    const char* asan = std::getenv("ASAN_OPTIONS");
+    const std::string line = "ASAN_OPTIONS=" + std::string(asan ? asan : "") +
+                             ":fast_unwind_on_malloc=0 XDG_CONFIG_HOME=" + ::testing::TempDir() +
+                             " " + tool + " play --wpm 12 --pitch 0 PARIS PARIS PARIS > " + out +
+                             " 2>/dev/null & pid=$!; sleep 0.5; kill -INT $pid; wait $pid";
+    const auto start = std::chrono::steady_clock::now();
+    const int status = std::system(line.c_str());
+    const double seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 130);
+    // The whole text takes 8.2 s; a stop ends within one character's time.
+    EXPECT_LT(seconds, 2.5);
+    const std::string printed = ReadFile(out);
+    EXPECT_FALSE(printed.empty());
+    EXPECT_EQ(std::string("PARIS PARIS PARIS\n").rfind(printed.substr(0, printed.size() - 1), 0),
+              0U)
+        << printed;
+    EXPECT_LT(printed.size(), 8U);
+    std::remove(out.c_str());
 }
 
 // The real executable, fed binary bytes and a large text through its standard input.
@@ -132,10 +224,10 @@ TEST(CommandLineToolBinary, SurvivesAnyInput) {
             file.put(static_cast<char>(engine()));
         }
     }
-    for (const char* command : {"encode", "decode", "estimate --wpm 5 --farnsworth 99"}) {
-        const std::string line =
-            "XDG_CONFIG_HOME=" + ::testing::TempDir() + " " + tool + " " + command + " < " +
-            input + " > /dev/null";
+    for (const char* command : {"encode", "decode", "estimate --wpm 5 --farnsworth 99",
+                                "wav --wpm 200 --farnsworth 9 -o /dev/null"}) {
+        const std::string line = "XDG_CONFIG_HOME=" + ::testing::TempDir() + " " + tool + " " +
+                                 command + " < " + input + " > /dev/null";
         const int status = std::system(line.c_str());
         ASSERT_TRUE(WIFEXITED(status)) << command;
         EXPECT_EQ(WEXITSTATUS(status), 0) << command;
