@@ -95,23 +95,23 @@ bool CPropPageSpeed::UpdateData(bool saveAndValidate) {
 }
 
 void CPropPageSpeed::OnResetDefaults() {
-    PauseDit = 1;
-    PauseDah = 3;
-    PauseChar = 3;
-    PauseWord = 7;
-    ToneMHz = 750;
-    WordRate = 5;
-    UpdateData(false);
-    emit Modified();
+    // Deliberately 5 WPM, not the profile's default of 15.
+    ApplyPreset({.PauseChar = 3, .PauseDah = 3, .PauseDit = 1, .PauseWord = 7, .ToneMHz = 750,
+                 .WordRate = 5});
 }
 
 void CPropPageSpeed::OnFarnsworth() {
-    PauseDit = 1;
-    PauseDah = 3;
-    PauseChar = 15;
-    PauseWord = 35;
-    ToneMHz = 750;
-    WordRate = 12;
+    ApplyPreset({.PauseChar = 15, .PauseDah = 3, .PauseDit = 1, .PauseWord = 35, .ToneMHz = 750,
+                 .WordRate = 12});
+}
+
+void CPropPageSpeed::ApplyPreset(const CodeTiming& preset) {
+    PauseDit = preset.PauseDit;
+    PauseDah = preset.PauseDah;
+    PauseChar = preset.PauseChar;
+    PauseWord = preset.PauseWord;
+    ToneMHz = preset.ToneMHz;
+    WordRate = preset.WordRate;
     UpdateData(false);
     emit Modified();
 }

@@ -3,6 +3,8 @@
 
 #include <QWidget>
 
+#include "model/CodeTiming.h"
+
 class QLineEdit;
 class QPushButton;
 
@@ -33,6 +35,8 @@ signals:
     void Modified();
 
 private:
+    /// Sets the six values of a preset (speech fields unused), shows them and marks the page.
+    void ApplyPreset(const CodeTiming& preset);
     QLineEdit* m_editDit;
     QLineEdit* m_editDah;
     QLineEdit* m_editChar;
