@@ -197,11 +197,24 @@ void CMainFrame::CreateActions() {
     connect(Action(kViewStatusBar), &QAction::toggled, this,
             [this](bool on) { statusBar()->setVisible(on); });
 
-    // Sessions, read-back, sound files and the Random menu come with the sound layer.
-    for (const int command : {kGenerateFile, kReadBack, kAllOn, kAllOff, kDitCharacters,
-                              kDahCharacters, kOneTone, kTwoTones, kThreeTones, kFourTones,
-                              kNumbersToggle, kProSignsToggle, kCallSigns, kDoubleSpace}) {
-        Action(command)->setEnabled(false);
+    const std::pair<int, void (CTonwerkView::*)()> viewCommands[] = {
+        {kGenerateFile, &CTonwerkView::OnGenerateFile},
+        {kReadBack, &CTonwerkView::OnReadBack},
+        {kAllOn, &CTonwerkView::OnAllOn},
+        {kAllOff, &CTonwerkView::OnAllOff},
+        {kDitCharacters, &CTonwerkView::OnDitCharacters},
+        {kDahCharacters, &CTonwerkView::OnDahCharacters},
+        {kNumbersToggle, &CTonwerkView::OnNumbersToggle},
+        {kProSignsToggle, &CTonwerkView::OnProSignsToggle},
+        {kCallSigns, &CTonwerkView::OnCallSigns},
+        {kDoubleSpace, &CTonwerkView::OnDoubleSpace}};
+    for (const auto& [command, handler] : viewCommands) {
+        connect(Action(command), &QAction::triggered, m_view, handler);
+    }
+    const int toneCommands[] = {kOneTone, kTwoTones, kThreeTones, kFourTones};
+    for (int tones = 1; tones <= 4; ++tones) {
+        connect(Action(toneCommands[tones - 1]), &QAction::triggered, m_view,
+                [this, tones] { m_view->OnToneCharacters(tones); });
     }
     for (const int command : {kNumbersToggle, kProSignsToggle, kDoubleSpace}) {
         Action(command)->setCheckable(true);

@@ -246,10 +246,9 @@ void CTonwerkView::CreateControls() {
         }
     });
 
-    // Sessions, recording and random text arrive with the sound layer.
-    m_listen->setEnabled(false);
-    m_record->setEnabled(false);
-    m_random->setEnabled(false);
+    connect(m_listen, &QAbstractButton::clicked, this, &CTonwerkView::OnListen);
+    connect(m_record, &QAbstractButton::clicked, this, &CTonwerkView::OnRecordSession);
+    connect(m_random, &QAbstractButton::clicked, this, &CTonwerkView::OnRandom);
 }
 
 QWidget* CTonwerkView::Control(int id) const {

@@ -98,6 +98,34 @@ public:
     /// The context menu of the two text boxes, built once.
     QMenu* ContextMenu() const { return m_contextMenu; }
 
+    // -- Listening session --------------------------------------------------------------------
+    /// Listen / Stop (control 1005).
+    void OnListen();
+
+    // -- Random practice text -----------------------------------------------------------------
+    void OnAllOn();
+    void OnAllOff();
+    void OnDitCharacters();
+    void OnDahCharacters();
+    /// "&1 Tone Characters" to "&4 Tone Characters".
+    void OnToneCharacters(int tones);
+    void OnNumbersToggle();
+    void OnProSignsToggle();
+    void OnDoubleSpace();
+    /// "&Random" (control 1009).
+    void OnRandom();
+    void OnCallSigns();
+
+    // -- Spoken read-back and the straight key ------------------------------------------------
+    /// Says one letter in the chosen voice, when the settings allow it.
+    void SpeakLetter(const QString& letter);
+    void OnReadBack();
+
+    // -- Sound files and session recording ----------------------------------------------------
+    void OnGenerateFile();
+    /// The Record Session toggle (control 1046).
+    void OnRecordSession();
+
 signals:
     /// A posted sound message arrived (kAppMessage + 1 .. + 4).
     void AppMessage(unsigned message);
@@ -156,6 +184,14 @@ private:
     QLabel* m_volumeLabel = nullptr;             // 1088
     QLabel* m_pitchLabel = nullptr;              // 1089
     std::array<QPushButton*, 58> m_selection{};  // letters, digits 0..9, pro signs
+
+    // -- Listening session state --------------------------------------------------------------
+
+    // -- Random practice text state -----------------------------------------------------------
+
+    // -- Read-back and straight-key state -----------------------------------------------------
+
+    // -- Sound file and recording state -------------------------------------------------------
 
     // Values exchanged with the controls.
     QString m_strWordRate = QStringLiteral("Set Words/Minute: 5");
