@@ -3,7 +3,7 @@
 
 // The waveform-audio layer: devices by index or the mapper, PCM formats, headers with a done
 // flag, completion callbacks on a thread of the layer. The sound classes are written against
-// these functions; the platform sits behind them in one backend file (PortAudioWave.cpp).
+// these functions; the platform sits behind them in the backend files (PortAudio*.cpp).
 
 #include <atomic>
 #include <cstddef>

@@ -201,16 +201,22 @@ TEST(Beep, SoundsForItsLengthAndRefusesOddFrequencies) {
     EXPECT_NEAR(tones[0].frequency, 880.0, 10.0);
 }
 
-TEST(WaveOut, PlaysAWaveInChunksToTheEnd) {
+/// A wave of a 600 Hz tone, whole periods long so that copies of it join without a click.
+CWave ToneWave(std::uint32_t count) {
     CWave wave;
     wave.BuildFormat(1, 48000, 16);
-    const std::uint32_t count = 48000 * 3 / 10;
     std::vector<std::int16_t> samples(count);
     for (std::uint32_t i = 0; i < count; ++i) {
         samples[i] =
             static_cast<std::int16_t>(12000 * std::sin(2 * std::numbers::pi * 600.0 * i / 48000));
     }
     wave.SetBuffer(reinterpret_cast<char*>(samples.data()), count, true);
+    return wave;
+}
+
+TEST(WaveOut, PlaysAWaveInChunksToTheEnd) {
+    const std::uint32_t count = 48000 * 3 / 10;
+    const CWave wave = ToneWave(count);
     SinkRecorder recorder;
     ASSERT_TRUE(recorder.Running());
     CWaveOut output(wave, CWaveDevice());
@@ -223,6 +229,21 @@ TEST(WaveOut, PlaysAWaveInChunksToTheEnd) {
     const auto tones = SinkRecorder::FindTones(recorder.Stop());
     ASSERT_EQ(tones.size(), 1u);
     EXPECT_NEAR(tones[0].lengthMs, 300.0, 1.0);
+}
+
+TEST(WaveOut, PlaysALoopedRangeAsOneUnbrokenTone) {
+    const std::uint32_t count = 48000 / 20;  // 50 ms, 30 whole periods
+    const CWave wave = ToneWave(count);
+    SinkRecorder recorder;
+    ASSERT_TRUE(recorder.Running());
+    CWaveOut output(wave, CWaveDevice());
+    ASSERT_TRUE(output.Open()) << output.GetError();
+    ASSERT_TRUE(output.PlayLooped(0, 0xFFFFFFFFu, 4));
+    std::this_thread::sleep_for(500ms);
+    EXPECT_TRUE(output.Close());
+    const auto tones = SinkRecorder::FindTones(recorder.Stop());
+    ASSERT_EQ(tones.size(), 1u);
+    EXPECT_NEAR(tones[0].lengthMs, 200.0, 1.0);
 }
 
 }  // namespace
