@@ -125,6 +125,10 @@ public:
     void OnGenerateFile();
     /// The Record Session toggle (control 1046).
     void OnRecordSession();
+    /// Opens and starts the recorder; run at the start of a listening session marked for it.
+    void StartSessionRecording();
+    /// Stops the recorder and offers the recording for saving; run when a session finishes.
+    void FinishSessionRecording();
 
 signals:
     /// A posted sound message arrived (kAppMessage + 1 .. + 4).
@@ -192,6 +196,7 @@ private:
     // -- Read-back and straight-key state -----------------------------------------------------
 
     // -- Sound file and recording state -------------------------------------------------------
+    bool m_recordSession = false;
 
     // Values exchanged with the controls.
     QString m_strWordRate = QStringLiteral("Set Words/Minute: 5");

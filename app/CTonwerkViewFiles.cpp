@@ -4,3 +4,5 @@
 
 void CTonwerkView::OnGenerateFile() {}
 void CTonwerkView::OnRecordSession() {}
+void CTonwerkView::StartSessionRecording() {}
+void CTonwerkView::FinishSessionRecording() {}

@@ -243,13 +243,13 @@ TEST_F(CodeSoundGenTest, PitchZeroIsSilentWithFullTiming) {
 }
 
 TEST_F(CodeSoundGenTest, FarnsworthStretchesTheGaps) {
-    // 24 WPM, F = 2: "E E" is 0.05 tone + (1 + 2 + 2) dits, blank (3 + 1 + 1 + 1 + 2) dits,
-    // then the second E: 0.05 + 5 dits = 19 dits = 0.95 s.
+    // 24 WPM (dit 0.05 s), F = 2: each E is its tone, the element gap, the character gap and
+    // 2 extra dits (5 dits); the blank is 3 + 1 (half of F) + 1 + 1 + 2 dits. 18 dits = 0.9 s.
     Start("E E", 24, 0, 2);
     ASSERT_TRUE(m_target.WaitFor(kFinished));
     const auto posts = m_target.Posts({kNextCharacter, kFinished});
     ASSERT_EQ(posts.size(), 3U);
-    ExpectLasted(posts[2].seconds - posts[0].seconds, 0.95);
+    ExpectLasted(posts[2].seconds - posts[0].seconds, 0.9);
 }
 
 // Many short runs started and stopped at once, with the setters used while old workers are still
