@@ -99,8 +99,10 @@ constexpr unsigned kToneOn = kAppMessage + 4;
 constexpr double kOpenAllowance = 0.6;
 
 // The worker sleeps its gaps, so a loaded machine (or a sanitizer) makes a run late but never
-// early: the timing checks allow 20 ms early and this much late.
-constexpr double kLateAllowance = 0.2;
+// early: the timing checks allow 20 ms early and this much late. Runs under the sanitizers in
+// CI have been seen a quarter of a second late on their first tone; the rhythm itself is judged
+// to the millisecond at the sink.
+constexpr double kLateAllowance = 0.4;
 
 void ExpectLasted(double seconds, double expected) {
     EXPECT_GE(seconds, expected - 0.02);
