@@ -42,8 +42,8 @@ void CTonwerkView::OnGenerateFile() {
     UpdateData(true);
     const QString defaultName =
         QString::fromStdString(DefaultWaveFileName(m_doc->PathName().toStdString()));
-    const QString chosen = CModalSeam::SaveFileName(this, defaultName,
-                                                    tr("All wave files (*.wav)"), "wav");
+    const QString chosen =
+        CModalSeam::SaveFileName(this, defaultName, tr("All wave files (*.wav)"), "wav");
     QString fileName;
     if (!chosen.isEmpty()) {
         const auto [folder, name] = SplitFolderAndName(chosen.toStdString());
@@ -131,8 +131,8 @@ void CTonwerkView::FinishSessionRecording() {
         dialog.m_remember = profile.GetInt(section, "Remember", 0);
         // Shown every time: the remember box only decides whether the entries are stored.
         if (CWaveFileDlg::Run(dialog) == QDialog::Accepted) {
-            const std::string path = JoinFolderAndName(dialog.m_folder.toStdString(),
-                                                       dialog.m_fileName.toStdString());
+            const std::string path =
+                JoinFolderAndName(dialog.m_folder.toStdString(), dialog.m_fileName.toStdString());
             if (dialog.m_remember != 0) {
                 profile.WriteString(section, "Name", dialog.m_fileName.toStdString());
                 profile.WriteString(section, "Path", dialog.m_folder.toStdString());

@@ -52,9 +52,9 @@ CWaveFileDlg::CWaveFileDlg(IProfile& profile, QWidget* parent)
     auto* format = new QLabel(tr("Output Audio Format is: PCM 44.100 kHz, 16 Bit, Mono"), this);
     format->setObjectName("labelFormat");
     format->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    m_rememberCheck = Register(
-        new QCheckBox(tr("Remember these Settings and don't ask again please"), this), 1092,
-        "checkRemember");
+    m_rememberCheck =
+        Register(new QCheckBox(tr("Remember these Settings and don't ask again please"), this),
+                 1092, "checkRemember");
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     Register(buttons->button(QDialogButtonBox::Ok), 1, "buttonOk")->setDefault(true);
     Register(buttons->button(QDialogButtonBox::Cancel), 2, "buttonCancel");
