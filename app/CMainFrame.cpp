@@ -282,9 +282,9 @@ void CMainFrame::CreateToolBar() {
 void CMainFrame::CreateStatusBar() {
     QStatusBar* bar = statusBar();
     bar->setObjectName("StatusBar");
-    auto* ready = new QLabel(tr("Ready"), bar);
-    ready->setObjectName("paneMessage");
-    bar->addWidget(ready, 1);
+    m_messagePane = new QLabel(tr("Ready"), bar);
+    m_messagePane->setObjectName("paneMessage");
+    bar->addWidget(m_messagePane, 1);
     m_progressPane = new QWidget(bar);
     m_progressPane->setObjectName("paneProgress");
     auto* paneLayout = new QHBoxLayout(m_progressPane);
@@ -300,6 +300,10 @@ void CMainFrame::CreateStatusBar() {
         label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QStringLiteral("SCRL")) + 8);
         bar->addPermanentWidget(label);
     }
+}
+
+void CMainFrame::SetMessageText(const QString& text) {
+    m_messagePane->setText(text);
 }
 
 CStatusProgress* CMainFrame::ResetProgress() {

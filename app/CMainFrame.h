@@ -70,6 +70,8 @@ public:
 
     /// Replaces the status-bar progress bar with a fresh one and returns it.
     CStatusProgress* ResetProgress();
+    /// Puts a text in the message pane (pane 0) of the status bar.
+    void SetMessageText(const QString& text);
 
     /// Reads "WindowSettings" (200, 100, 875, 700 when absent) and places the frame there.
     void RestorePlacement();
@@ -102,6 +104,7 @@ private:
     CTonwerkDoc* m_doc = nullptr;
     CTonwerkView* m_view = nullptr;
     QScrollArea* m_scroll = nullptr;
+    QLabel* m_messagePane = nullptr;
     QWidget* m_progressPane = nullptr;
     CStatusProgress* m_pProgress = nullptr;
     QHash<int, QAction*> m_actions;

@@ -11,6 +11,7 @@ struct SeamState {
     std::deque<QMessageBox::StandardButton> buttons;
     std::deque<QString> fileNames;
     QStringList messages;
+    QStringList offeredNames;
 };
 
 SeamState& State() {
@@ -37,10 +38,15 @@ void CModalSeam::Reset() {
     State().buttons.clear();
     State().fileNames.clear();
     State().messages.clear();
+    State().offeredNames.clear();
 }
 
 const QStringList& CModalSeam::Messages() {
     return State().messages;
+}
+
+const QStringList& CModalSeam::OfferedNames() {
+    return State().offeredNames;
 }
 
 QMessageBox::StandardButton CModalSeam::Message(QWidget* parent, const QString& text,
@@ -82,6 +88,7 @@ QString CModalSeam::OpenFileName(QWidget* parent, const QString& filter) {
 
 QString CModalSeam::SaveFileName(QWidget* parent, const QString& initialName, const QString& filter,
                                  const QString& defaultSuffix) {
+    State().offeredNames.append(initialName);
     if (auto scripted = TakeFileName()) {
         return *scripted;
     }
@@ -92,4 +99,14 @@ QString CModalSeam::SaveFileName(QWidget* parent, const QString& initialName, co
         return QString();
     }
     return dialog.selectedFiles().constFirst();
+}
+
+QString CModalSeam::FolderName(QWidget* parent, const QString& title,
+                               const QString& initialFolder) {
+    State().offeredNames.append(initialFolder);
+    if (auto scripted = TakeFileName()) {
+        return *scripted;
+    }
+    return QFileDialog::getExistingDirectory(parent, title, initialFolder,
+                                             QFileDialog::ShowDirsOnly);
 }

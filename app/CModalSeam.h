@@ -24,6 +24,8 @@ public:
 
     /// Texts of the message boxes shown (or answered) since the last Reset.
     static const QStringList& Messages();
+    /// What the file and folder questions since the last Reset started at, in order.
+    static const QStringList& OfferedNames();
 
     static QMessageBox::StandardButton Message(
         QWidget* parent, const QString& text,
@@ -32,6 +34,9 @@ public:
     static QString OpenFileName(QWidget* parent, const QString& filter);
     static QString SaveFileName(QWidget* parent, const QString& initialName, const QString& filter,
                                 const QString& defaultSuffix);
+    /// A folder chosen in the folder browser, which starts at initialFolder; empty when the
+    /// browser was cancelled. Scripted answers come from the file-name queue.
+    static QString FolderName(QWidget* parent, const QString& title, const QString& initialFolder);
 
 private:
     static std::optional<QString> TakeFileName();

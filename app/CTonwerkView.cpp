@@ -22,6 +22,8 @@
 #include "app/CMainFrame.h"
 #include "app/CModalSeam.h"
 #include "app/CTonwerkDoc.h"
+#include "audio/CWaveIn.h"
+#include "audio/CWaveOut.h"
 #include "audio/MidiAudio.h"
 #include "model/CMorseAlphabet.h"
 #include "model/CompletionEstimate.h"
@@ -762,7 +764,13 @@ void CTonwerkView::contextMenuEvent(QContextMenuEvent* event) {
 
 bool CTonwerkView::event(QEvent* event) {
     if (event->type() == CAppMessageEvent::EventType()) {
-        emit AppMessage(static_cast<CAppMessageEvent*>(event)->Message());
+        const unsigned message = static_cast<CAppMessageEvent*>(event)->Message();
+        // A finished run (a listening session or a generated file) ends a requested recording.
+        if (message == kAppMessage + 1 && m_recordSession) {
+            FinishSessionRecording();
+            OnRecordSession();
+        }
+        emit AppMessage(message);
         return true;
     }
     return QWidget::event(event);

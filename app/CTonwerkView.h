@@ -8,8 +8,12 @@
 #include <memory>
 
 #include "app/CPostedNotifyTarget.h"
+#include "app/CProgressStepper.h"
 #include "app/CQtVolumeSlider.h"
 #include "audio/CSoundMixer.h"
+#include "audio/CWaveDevice.h"
+#include "sound/CCodeWaveGen.h"
+#include "sound/CWaveInGate.h"
 
 class CAnchorLayout;
 class CClockDisplay;
@@ -20,6 +24,9 @@ class CMainFrame;
 class CSegmentDisplay;
 class CStatusProgress;
 class CTonwerkDoc;
+class CWave;
+class CWaveIn;
+class CWaveOut;
 class QAbstractButton;
 class QCheckBox;
 class QGroupBox;
@@ -197,6 +204,15 @@ private:
 
     // -- Sound file and recording state -------------------------------------------------------
     bool m_recordSession = false;
+    CCodeWaveGen m_waveGen;
+    CWaveInGate m_waveGenGate;  // files are only generated where a recording input exists
+    CProgressStepper m_waveGenProgress;
+    // From StartSessionRecording to FinishSessionRecording; the wave only until the recorder
+    // has started, which then collects the recording itself.
+    std::unique_ptr<CWave> m_wave;
+    std::unique_ptr<CWaveIn> m_waveIn;
+    std::unique_ptr<CWaveOut> m_waveOut;
+    CWaveDevice m_waveInDevice;
 
     // Values exchanged with the controls.
     QString m_strWordRate = QStringLiteral("Set Words/Minute: 5");

@@ -2,7 +2,149 @@
 // The practice view's sound files: Generate File and the session recording.
 #include "app/CTonwerkView.h"
 
-void CTonwerkView::OnGenerateFile() {}
-void CTonwerkView::OnRecordSession() {}
-void CTonwerkView::StartSessionRecording() {}
-void CTonwerkView::FinishSessionRecording() {}
+#include <QApplication>
+#include <QDir>
+#include <cstdint>
+
+#include "app/CMainFrame.h"
+#include "app/CModalSeam.h"
+#include "app/CTonwerkDoc.h"
+#include "app/CWaveFileDlg.h"
+#include "audio/CWave.h"
+#include "audio/CWaveIn.h"
+#include "audio/CWaveOut.h"
+#include "model/WaveFileNames.h"
+#include "res/TonwerkResources.h"
+#include "widgets/CImageButton.h"
+#include "widgets/CStatusProgress.h"
+
+namespace {
+
+constexpr std::uint16_t kRecordChannels = 1;
+constexpr std::uint32_t kRecordSamplesPerSec = 44100;
+constexpr std::uint16_t kRecordBitsPerSample = 16;
+constexpr std::uint32_t kRecordBufferBytes = 4096;
+constexpr char kDefaultRecordingName[] = "Test01.wav";
+
+/// The folder offered before any was remembered: the system drive where there is one.
+QString DefaultRecordingFolder() {
+#ifdef _WIN32
+    return QStringLiteral("C:\\");
+#else
+    return QDir::homePath();
+#endif
+}
+
+}  // namespace
+
+void CTonwerkView::OnGenerateFile() {
+    // A refused field has been reported; generation goes on with the values last accepted.
+    UpdateData(true);
+    const QString defaultName =
+        QString::fromStdString(DefaultWaveFileName(m_doc->PathName().toStdString()));
+    const QString chosen =
+        CModalSeam::SaveFileName(this, defaultName, tr("All wave files (*.wav)"), "wav");
+    QString fileName;
+    if (!chosen.isEmpty()) {
+        const auto [folder, name] = SplitFolderAndName(chosen.toStdString());
+        fileName = QString::fromStdString(name);
+        m_waveGen.SetFileName(name);
+        m_waveGen.SetFolder(folder);
+    }
+
+    // The bar is set up even when nothing is generated.
+    CStatusProgress* progress = m_frame ? m_frame->ResetProgress() : nullptr;
+    const QByteArray text = m_practiceText.toLatin1();
+    if (progress) {
+        progress->SetStep(1);
+        progress->SetRange(0, static_cast<std::int16_t>(text.size()));
+        progress->SetBarImage(QString::fromLatin1(tonwerk::res::kBarSession));
+    }
+    m_waveGenProgress.Attach(progress);
+
+    m_waveGen.SetWordsPerMinute(m_wordRate);
+    m_waveGen.SetPitch(m_pitch);
+    m_waveGen.SetText(std::string_view(text.constData(), static_cast<size_t>(text.size())));
+    m_waveGen.SetProgressCtrl(&m_waveGenProgress);
+    m_waveGen.SetFarnsworthFactor(m_farnsworth);
+    m_waveGen.SetNotifyWindow(&m_notifyTarget);
+    m_waveGen.SetRecordingGate(&m_waveGenGate);
+    if (!fileName.isEmpty()) {
+        m_waveGen.GenerateFile();
+    }
+}
+
+void CTonwerkView::OnRecordSession() {
+    m_recordSession = !m_recordSession;
+    m_record->setChecked(m_recordSession);
+    if (m_recordSession) {
+        m_record->SetImage(QString::fromLatin1(tonwerk::res::kButtonRecordOn), QSize(40, 32));
+    } else {
+        m_record->SetImage(QString::fromLatin1(tonwerk::res::kButtonRecordOff), QSize(32, 32));
+    }
+    m_record->repaint();
+    if (m_frame) {
+        m_frame->SetMessageText(m_recordSession ? tr("Session Recording is ON")
+                                                : tr("Session Recording is OFF"));
+    }
+}
+
+void CTonwerkView::StartSessionRecording() {
+    m_wave = std::make_unique<CWave>();
+    m_waveIn = std::make_unique<CWaveIn>();
+    m_waveOut = std::make_unique<CWaveOut>();
+    m_wave->BuildFormat(kRecordChannels, kRecordSamplesPerSec, kRecordBitsPerSample);
+    if (!m_waveInDevice.IsInputFormat(*m_wave)) {
+        CModalSeam::Message(this, tr("Format not supported"));
+        return;
+    }
+    m_waveIn->SetWaveFormat(m_wave->GetFormat());
+    m_waveIn->SetDevice(m_waveInDevice);
+    if (!m_waveIn->Open()) {
+        CModalSeam::Message(this, QString::fromStdString(m_waveIn->GetError()));
+        return;
+    }
+    if (!m_waveIn->Record(kRecordBufferBytes)) {
+        CModalSeam::Message(this, QString::fromStdString(m_waveIn->GetError()));
+        return;
+    }
+    m_wave.reset();
+    m_record->setEnabled(false);
+}
+
+void CTonwerkView::FinishSessionRecording() {
+    if (m_waveIn) {
+        if (!m_waveIn->Close()) {
+            // The objects stay, and with them the disabled button: the device is still busy.
+            CModalSeam::Message(this, QString::fromStdString(m_waveIn->GetError()));
+            return;
+        }
+        const CWave& recording = m_waveIn->GetWave();
+
+        IProfile& profile = m_doc->Settings().Profile();
+        const char* section = CWaveFileDlg::kSection;
+        CWaveFileDlg dialog(profile);
+        dialog.m_fileName =
+            QString::fromStdString(profile.GetString(section, "Name", kDefaultRecordingName));
+        dialog.m_folder = QString::fromStdString(
+            profile.GetString(section, "Path", DefaultRecordingFolder().toStdString()));
+        dialog.m_remember = profile.GetInt(section, "Remember", 0);
+        // Shown every time: the remember box only decides whether the entries are stored.
+        if (CWaveFileDlg::Run(dialog) == QDialog::Accepted) {
+            const std::string path =
+                JoinFolderAndName(dialog.m_folder.toStdString(), dialog.m_fileName.toStdString());
+            if (dialog.m_remember != 0) {
+                profile.WriteString(section, "Name", dialog.m_fileName.toStdString());
+                profile.WriteString(section, "Path", dialog.m_folder.toStdString());
+                profile.WriteInt(section, "Remember", 1);
+            }
+            QApplication::setOverrideCursor(Qt::WaitCursor);
+            recording.Save(path);
+            QApplication::restoreOverrideCursor();
+        }
+    }
+    m_waveIn.reset();
+    m_waveOut.reset();
+    m_wave.reset();
+    m_record->setEnabled(true);
+}
