@@ -129,8 +129,10 @@ void CTonwerkView::FinishSessionRecording() {
         dialog.m_folder = QString::fromStdString(
             profile.GetString(section, "Path", DefaultRecordingFolder().toStdString()));
         dialog.m_remember = profile.GetInt(section, "Remember", 0);
-        // Shown every time: the remember box only decides whether the entries are stored.
-        if (CWaveFileDlg::Run(dialog) == QDialog::Accepted) {
+        // Shown every time: the remember box only decides whether the entries are stored. A
+        // recording that could not be written (a full disk, a folder that is gone) is offered
+        // again rather than lost; only Cancel lets it go.
+        while (CWaveFileDlg::Run(dialog) == QDialog::Accepted) {
             const std::string path =
                 JoinFolderAndName(dialog.m_folder.toStdString(), dialog.m_fileName.toStdString());
             if (dialog.m_remember != 0) {
@@ -139,8 +141,13 @@ void CTonwerkView::FinishSessionRecording() {
                 profile.WriteInt(section, "Remember", 1);
             }
             QApplication::setOverrideCursor(Qt::WaitCursor);
-            recording.Save(path);
+            const bool saved = recording.Save(path);
             QApplication::restoreOverrideCursor();
+            if (saved) {
+                break;
+            }
+            CModalSeam::Message(this, tr("The recording could not be written to %1.")
+                                          .arg(QString::fromStdString(path)));
         }
     }
     m_waveIn.reset();

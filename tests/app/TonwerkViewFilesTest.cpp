@@ -253,6 +253,31 @@ private slots:
         QCOMPARE(QDir(remembered).entryList(QDir::Files), QStringList());
     }
 
+    // A folder that cannot be written says so and offers the recording again instead of
+    // dropping it; the second answer saves it.
+    void unwritableFolderOffersTheRecordingAgain() {
+        const QString missing = TempPath(QStringLiteral("gone/deeper"));
+        const QString folder = TempPath(QStringLiteral("kept"));
+        QVERIFY(QDir().mkpath(folder));
+        int shown = 0;
+        CWaveFileDlg::SetDriver([&](CWaveFileDlg& dialog) {
+            dialog.FileNameEdit()->setText(QStringLiteral("take.wav"));
+            dialog.FolderEdit()->setText(++shown == 1 ? missing : folder);
+            dialog.accept();
+            return dialog.result();
+        });
+        RecordToneSession();
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        QCOMPARE(shown, 2);
+        QCOMPARE(CModalSeam::Messages().size(), 1);
+        QVERIFY(CModalSeam::Messages().constFirst().contains(missing));
+        CWave saved;
+        QVERIFY(saved.Load((folder + QStringLiteral("/take.wav")).toStdString()));
+        QVERIFY(saved.GetNumSamples() > 44100 / 2);
+    }
+
     void browsingStoresThePathEvenWhenCancelled() {
         const QString start = TempPath(QStringLiteral("start"));
         const QString browsed = TempPath(QStringLiteral("browsed"));
