@@ -12,6 +12,7 @@
 #include "app/CQtVolumeSlider.h"
 #include "audio/CSoundMixer.h"
 #include "audio/CWaveDevice.h"
+#include "sound/CCodeSoundGen.h"
 #include "sound/CCodeWaveGen.h"
 #include "sound/CWaveInGate.h"
 
@@ -197,6 +198,7 @@ private:
     std::array<QPushButton*, 58> m_selection{};  // letters, digits 0..9, pro signs
 
     // -- Listening session state --------------------------------------------------------------
+    CCodeSoundGen m_soundGen;
 
     // -- Random practice text state -----------------------------------------------------------
 
