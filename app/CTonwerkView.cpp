@@ -765,10 +765,19 @@ void CTonwerkView::contextMenuEvent(QContextMenuEvent* event) {
 bool CTonwerkView::event(QEvent* event) {
     if (event->type() == CAppMessageEvent::EventType()) {
         const unsigned message = static_cast<CAppMessageEvent*>(event)->Message();
-        // A finished run (a listening session or a generated file) ends a requested recording.
-        if (message == kAppMessage + 1 && m_recordSession) {
-            FinishSessionRecording();
-            OnRecordSession();
+        switch (message) {
+            case kAppMessage + 1:
+                OnSessionFinished();
+                break;
+            case kAppMessage + 2:
+                OnNextCharacter();
+                break;
+            case kAppMessage + 3:
+            case kAppMessage + 4:
+                OnTone(message == kAppMessage + 4);
+                break;
+            default:
+                break;  // the worker's registered completion notice needs nothing
         }
         emit AppMessage(message);
         return true;

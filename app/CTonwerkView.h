@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QBasicTimer>
 #include <QString>
 #include <QWidget>
 #include <array>
+#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -12,6 +14,7 @@
 #include "app/CQtVolumeSlider.h"
 #include "audio/CSoundMixer.h"
 #include "audio/CWaveDevice.h"
+#include "model/CListeningCursor.h"
 #include "sound/CCodeSoundGen.h"
 #include "sound/CCodeWaveGen.h"
 #include "sound/CWaveInGate.h"
@@ -62,6 +65,10 @@ public:
 
     static void SetDefaultAudioHooks(AudioHooks hooks);
 
+    /// The clock in whole seconds since the epoch that the session clock and the random
+    /// generators read; the system clock unless a test sets another.
+    void SetTimeSource(std::function<std::int64_t()> now);
+
     /// The form's start-up: fonts, layout, images, sliders, displays, selections from the
     /// profile, the first conversion, the MIDI check and the tooltips.
     void OnInitialUpdate();
@@ -109,6 +116,7 @@ public:
     // -- Listening session --------------------------------------------------------------------
     /// Listen / Stop (control 1005).
     void OnListen();
+    const CListeningCursor& ListeningCursor() const { return m_cursor; }
 
     // -- Random practice text -----------------------------------------------------------------
     void OnAllOn();
@@ -144,6 +152,7 @@ signals:
 
 protected:
     bool event(QEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
@@ -158,6 +167,13 @@ private:
     void CheckMidiOutputs();
     static QString FormatVolume(int position);
     QWidget* Register(QWidget* widget, int id, const char* name);
+    void OnSessionFinished();
+    void OnNextCharacter();
+    /// The key lamp follows a tone when it is animated, below 25 words per minute or muted.
+    void OnTone(bool on);
+    void OnClockTick();
+    /// The controls that stay disabled while a session runs.
+    void EnableSessionControls(bool enable);
 
     CTonwerkDoc* m_doc;
     CMainFrame* m_frame;
@@ -199,6 +215,11 @@ private:
 
     // -- Listening session state --------------------------------------------------------------
     CCodeSoundGen m_soundGen;
+    CProgressStepper m_sessionProgress;
+    CListeningCursor m_cursor;
+    QBasicTimer m_clockTimer;
+    std::int64_t m_sessionStart = 0;
+    std::function<std::int64_t()> m_now;
 
     // -- Random practice text state -----------------------------------------------------------
 
