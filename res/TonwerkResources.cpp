@@ -6,6 +6,7 @@
 // Q_INIT_RESOURCE must be used outside any namespace.
 static void InitTonwerkArt() {
     Q_INIT_RESOURCE(tonwerk_art);
+    Q_INIT_RESOURCE(tonwerk_speech);
 }
 
 namespace tonwerk::res {

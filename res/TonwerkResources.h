@@ -51,6 +51,9 @@ inline constexpr char kKeyDown[] = ":/tonwerk/lamp/key-down.svg";        // 161
 inline constexpr char kBarConvert[] = ":/tonwerk/bars/bar-convert.svg";  // 179
 inline constexpr char kBarSession[] = ":/tonwerk/bars/bar-session.svg";  // 26020
 
+/// The spoken letters: this prefix and the clip's resource id (SpeechClipId), as ":/wave/224".
+inline constexpr char kSpeechClipPrefix[] = ":/wave/";
+
 /// Every path above, for checks that walk them all.
 inline constexpr std::array<std::string_view, 35> kAllPaths{
     kAppIcon,

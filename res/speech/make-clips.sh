@@ -33,14 +33,3 @@ for index in "${!voices[@]}"; do
         sox "$tmp/raw.wav" "$id.wav" silence 1 0.005 0.5% reverse silence 1 0.005 0.5% reverse
     done
 done
-# The resource file addresses each clip as :/wave/<id>.
-{
-    echo '<!DOCTYPE RCC><RCC version="1.0">'
-    echo '<qresource prefix="/wave">'
-    for clip in $(ls ./*.wav | sort -V); do
-        clip=${clip#./}
-        echo "  <file alias=\"${clip%.wav}\">$clip</file>"
-    done
-    echo '</qresource>'
-    echo '</RCC>'
-} >speech.qrc

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "res/TonwerkResources.h"
 
+#include "audio/CWave.h"
+#include "model/SpeechClips.h"
+
 #include <QApplication>
 #include <QDirIterator>
 #include <QFile>
@@ -43,6 +46,7 @@ private slots:
     void listedPathsMatchTheResources();
     void pathsAreDistinct();
     void desktopEntryAndMimeType();
+    void spokenLettersForEveryVoice();
     void contactSheet();
 };
 
@@ -125,6 +129,48 @@ void ResourcesTest::desktopEntryAndMimeType() {
     QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
     QCOMPARE(type, QStringLiteral("application/x-tonwerk-code"));
     QCOMPARE(glob, QStringLiteral("*.code"));
+}
+
+void ResourcesTest::spokenLettersForEveryVoice() {
+    QSet<QString> expected;
+    QSet<QByteArray> recordings;
+    for (int actor = 0; actor < kVoiceCount; ++actor) {
+        for (char letter = 'A'; letter <= 'Z'; ++letter) {
+            const QString path = QString::fromLatin1(tonwerk::res::kSpeechClipPrefix) +
+                                 QString::number(SpeechClipId(actor, letter));
+            expected.insert(path);
+            QFile file(path);
+            QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(path));
+            const QByteArray image = file.readAll();
+            CWave wave;
+            QVERIFY2(wave.LoadFromMemory(image.constData(), static_cast<std::size_t>(image.size())),
+                     qPrintable(path));
+            const WaveFormat& format = wave.GetFormat();
+            QCOMPARE(format.formatTag, kWaveFormatPcm);
+            QCOMPARE(format.channels, 1);
+            QCOMPARE(format.bitsPerSample, 16);
+            const double seconds =
+                static_cast<double>(wave.GetBufferLength()) / format.avgBytesPerSec;
+            QVERIFY2(seconds > 0.15 && seconds < 1.0, qPrintable(path));
+            // Trimmed: the letter starts at once, without a lead of silence.
+            const auto* samples = reinterpret_cast<const std::int16_t*>(wave.GetBuffer());
+            const std::size_t lead = format.samplesPerSec / 50;
+            int peak = 0;
+            for (std::size_t i = 0; i < lead; ++i) {
+                peak = std::max(peak, std::abs(static_cast<int>(samples[i])));
+            }
+            QVERIFY2(peak > 300, qPrintable(path));
+            recordings.insert(QByteArray(wave.GetBuffer(), wave.GetBufferLength()));
+        }
+    }
+    // Every letter in every voice is a recording of its own.
+    QCOMPARE(recordings.size(), 26 * kVoiceCount);
+    QSet<QString> built;
+    QDirIterator it(QString::fromLatin1(tonwerk::res::kSpeechClipPrefix).chopped(1), QDir::Files);
+    while (it.hasNext()) {
+        built.insert(it.next());
+    }
+    QCOMPARE(built, expected);
 }
 
 void ResourcesTest::contactSheet() {
