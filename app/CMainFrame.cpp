@@ -307,12 +307,17 @@ void CMainFrame::SetMessageText(const QString& text) {
 }
 
 CStatusProgress* CMainFrame::ResetProgress() {
-    delete m_pProgress;
+    RemoveProgress();
     m_pProgress = new CStatusProgress(m_progressPane);
     m_pProgress->setObjectName("progress");
     m_progressPane->layout()->addWidget(m_pProgress);
     m_pProgress->show();
     return m_pProgress;
+}
+
+void CMainFrame::RemoveProgress() {
+    delete m_pProgress;
+    m_pProgress = nullptr;
 }
 
 void CMainFrame::moveEvent(QMoveEvent* event) {

@@ -70,6 +70,8 @@ public:
 
     /// Replaces the status-bar progress bar with a fresh one and returns it.
     CStatusProgress* ResetProgress();
+    /// Takes the progress bar out of the status bar; Progress() is null until the next reset.
+    void RemoveProgress();
     /// Puts a text in the message pane (pane 0) of the status bar.
     void SetMessageText(const QString& text);
 

@@ -226,6 +226,13 @@ void CTonwerkView::CreateControls() {
     connect(m_muteCheck, &QCheckBox::clicked, this, &CTonwerkView::OnMute);
     connect(m_speechCheck, &QCheckBox::clicked, this, &CTonwerkView::OnSpeech);
     connect(m_keyLamp, &CKeyLamp::clicked, this, &CTonwerkView::OnKeyLamp);
+    connect(m_keyLamp, &CKeyLamp::enterPressed, this, &CTonwerkView::OnStraightKeyDown);
+    // Held keys repeat as release and press pairs here; only the real release ends the hold.
+    connect(m_keyLamp, &CKeyLamp::enterReleased, this, [this](bool autoRepeat) {
+        if (!autoRepeat) {
+            OnStraightKeyUp();
+        }
+    });
     connect(m_clock, &CSegmentDisplay::clicked, this, &CTonwerkView::OnCalculateCompletionTime);
     connect(m_wordRateSlider, &QSlider::valueChanged, this, &CTonwerkView::OnWordRateMoved);
     connect(m_pitchSlider, &QSlider::valueChanged, this, &CTonwerkView::OnPitchMoved);
@@ -363,6 +370,10 @@ void CTonwerkView::OnInitialUpdate() {
 
     m_keyLamp->SetKeyDown(false);
     SetChecksFromDocument();
+    m_numbersToggle = settings.GetNumTog();
+    m_proSignsToggle = settings.GetRanProSnTog();
+    m_doubleSpace = settings.GetDblSpace();
+    UpdateRandomMenuChecks();
 
     OnTextToMorse();
 

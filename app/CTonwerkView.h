@@ -12,9 +12,12 @@
 #include "app/CPostedNotifyTarget.h"
 #include "app/CProgressStepper.h"
 #include "app/CQtVolumeSlider.h"
+#include "audio/CClipPlayer.h"
 #include "audio/CSoundMixer.h"
 #include "audio/CWaveDevice.h"
 #include "model/CListeningCursor.h"
+#include "model/CMorseAlphabet.h"
+#include "model/CStraightKey.h"
 #include "sound/CCodeSoundGen.h"
 #include "sound/CCodeWaveGen.h"
 #include "sound/CWaveInGate.h"
@@ -49,11 +52,14 @@ class CTonwerkView : public QWidget {
 
 public:
     /// Stand-ins for the sound hardware, for tests: each hook left empty uses the real thing
-    /// (the MIDI output count, and the mixer's speakers volume on its 0..65535 scale).
+    /// (the MIDI output count, the mixer's speakers volume on its 0..65535 scale, a spoken
+    /// letter's clip by resource path, and the straight key's tone).
     struct AudioHooks {
         std::function<int()> midiOutputCount;
         std::function<int()> readVolume;
         std::function<void(int)> setVolume;
+        std::function<void(const QString& resource)> playClip;
+        std::function<void(std::uint32_t frequency, std::uint32_t milliseconds)> beep;
     };
 
     static constexpr int kFormWidth = 860;
@@ -136,6 +142,9 @@ public:
     /// Says one letter in the chosen voice, when the settings allow it.
     void SpeakLetter(const QString& letter);
     void OnReadBack();
+    /// Enter on the focused key lamp: the first press starts the hold, the release sounds it.
+    void OnStraightKeyDown();
+    void OnStraightKeyUp();
 
     // -- Sound files and session recording ----------------------------------------------------
     void OnGenerateFile();
@@ -174,6 +183,20 @@ private:
     void OnClockTick();
     /// The controls that stay disabled while a session runs.
     void EnableSessionControls(bool enable);
+    /// The clock in whole seconds since the epoch.
+    std::int64_t NowSeconds() const;
+
+    void PlayClip(const QString& resource);
+    class CReadBackGuard;
+
+    // Random practice text.
+    void SetSelection(std::size_t first, std::size_t count, bool checked);
+    void SelectLetterClass(LetterClass letterClass);
+    void UpdateRandomMenuChecks();
+    /// Takes and stores the word count and size and empties the practice text.
+    void TakeRandomFields();
+    /// Shows a generated text, saves the selection, converts it and estimates its time.
+    void FinishRandomText(const std::string& text);
 
     CTonwerkDoc* m_doc;
     CMainFrame* m_frame;
@@ -222,8 +245,14 @@ private:
     std::function<std::int64_t()> m_now;
 
     // -- Random practice text state -----------------------------------------------------------
+    int m_numbersToggle = 0;
+    int m_proSignsToggle = 0;
+    int m_doubleSpace = 0;
 
     // -- Read-back and straight-key state -----------------------------------------------------
+    CClipPlayer m_clips;
+    QBasicTimer m_clipIdle;
+    CStraightKey m_straightKey;
 
     // -- Sound file and recording state -------------------------------------------------------
     bool m_recordSession = false;

@@ -2,13 +2,13 @@
 // The practice view's sound files: Generate File and the session recording.
 #include "app/CTonwerkView.h"
 
-#include <QApplication>
 #include <QDir>
 #include <cstdint>
 
 #include "app/CMainFrame.h"
 #include "app/CModalSeam.h"
 #include "app/CTonwerkDoc.h"
+#include "app/CWaitCursor.h"
 #include "app/CWaveFileDlg.h"
 #include "audio/CWave.h"
 #include "audio/CWaveIn.h"
@@ -140,14 +140,16 @@ void CTonwerkView::FinishSessionRecording() {
                 profile.WriteString(section, "Path", dialog.m_folder.toStdString());
                 profile.WriteInt(section, "Remember", 1);
             }
-            QApplication::setOverrideCursor(Qt::WaitCursor);
-            const bool saved = recording.Save(path);
-            QApplication::restoreOverrideCursor();
+            const bool saved = [&] {
+                const CWaitCursor wait;
+                return recording.Save(path);
+            }();
             if (saved) {
                 break;
             }
-            CModalSeam::Message(this, tr("The recording could not be written to %1.")
-                                          .arg(QString::fromStdString(path)));
+            CModalSeam::Message(
+                this,
+                tr("The recording could not be written to %1.").arg(QString::fromStdString(path)));
         }
     }
     m_waveIn.reset();

@@ -36,6 +36,10 @@ void CTonwerkView::SetTimeSource(std::function<std::int64_t()> now) {
     m_now = std::move(now);
 }
 
+std::int64_t CTonwerkView::NowSeconds() const {
+    return m_now ? m_now() : QDateTime::currentSecsSinceEpoch();
+}
+
 void CTonwerkView::EnableSessionControls(bool enable) {
     for (QWidget* control :
          std::initializer_list<QWidget*>{m_record, m_wordRateSlider, m_pitchSlider, m_random}) {
@@ -82,7 +86,7 @@ void CTonwerkView::OnListen() {
     m_soundGen.StartStop();
 
     m_clockTimer.start(kClockPeriodMs, this);
-    m_sessionStart = m_now ? m_now() : QDateTime::currentSecsSinceEpoch();
+    m_sessionStart = NowSeconds();
     EnableSessionControls(false);
 }
 
@@ -132,13 +136,17 @@ void CTonwerkView::OnSessionFinished() {
 }
 
 void CTonwerkView::OnClockTick() {
-    const std::int64_t now = m_now ? m_now() : QDateTime::currentSecsSinceEpoch();
-    m_clock->SetText(QString::fromStdString(FormatSessionClock(now - m_sessionStart)));
+    m_clock->SetText(QString::fromStdString(FormatSessionClock(NowSeconds() - m_sessionStart)));
 }
 
 void CTonwerkView::timerEvent(QTimerEvent* event) {
     if (event->timerId() == m_clockTimer.timerId()) {
         OnClockTick();
+        return;
+    }
+    if (event->timerId() == m_clipIdle.timerId()) {
+        m_clipIdle.stop();
+        m_clips.Close();
         return;
     }
     QWidget::timerEvent(event);

@@ -1,6 +1,166 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The practice view's spoken read-back and the Enter key as a straight key.
-#include "app/CTonwerkView.h"
+#include <QCheckBox>
+#include <QCoreApplication>
+#include <QFile>
+#include <QKeyEvent>
+#include <QSlider>
+#include <QThread>
+#include <algorithm>
+#include <vector>
 
-void CTonwerkView::SpeakLetter(const QString&) {}
-void CTonwerkView::OnReadBack() {}
+#include "app/CAppMessageEvent.h"
+#include "app/CTonwerkDoc.h"
+#include "app/CTonwerkView.h"
+#include "app/CWaitCursor.h"
+#include "audio/Beep.h"
+#include "model/SpeechClips.h"
+#include "res/TonwerkResources.h"
+
+namespace {
+
+/// From this speed on nothing is spoken: the letters would trip over the code.
+constexpr int kSpeechBelowWpm = 25;
+constexpr unsigned long kReadBackBlankMs = 125;
+constexpr unsigned long kReadBackPauseMs = 350;
+/// The clip output is let go once this long has passed without a new letter.
+constexpr int kClipIdleMs = 3000;
+
+}  // namespace
+
+/// While Read Back holds the user-interface thread, the form takes no input; only Escape is
+/// noticed, and it ends the loop after the letter under way. The messages the sound classes post
+/// meanwhile wait, in order, until the read-back is over.
+class CTonwerkView::CReadBackGuard final : public QObject {
+public:
+    explicit CReadBackGuard(CTonwerkView& view) : m_view(view) {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+    ~CReadBackGuard() override {
+        QCoreApplication::instance()->removeEventFilter(this);
+        for (const Held& held : m_held) {
+            m_view.NotifyTarget().PostMessage(held.message, held.wParam, held.lParam);
+        }
+    }
+    CReadBackGuard(const CReadBackGuard&) = delete;
+    CReadBackGuard& operator=(const CReadBackGuard&) = delete;
+
+    /// Takes in what has happened since the last call; true once Escape has been pressed.
+    bool EscapePressed() {
+        QCoreApplication::processEvents();
+        return m_escape;
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == CAppMessageEvent::EventType() && watched == &m_view) {
+            const auto* message = static_cast<const CAppMessageEvent*>(event);
+            m_held.push_back({message->Message(), message->WParam(), message->LParam()});
+            return true;
+        }
+        switch (event->type()) {
+            case QEvent::KeyPress:
+                if (static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+                    m_escape = true;
+                }
+                return true;
+            case QEvent::KeyRelease:
+            case QEvent::ShortcutOverride:
+            case QEvent::Shortcut:
+            case QEvent::MouseButtonPress:
+            case QEvent::MouseButtonRelease:
+            case QEvent::MouseButtonDblClick:
+            case QEvent::MouseMove:
+            case QEvent::Wheel:
+            case QEvent::ContextMenu:
+            case QEvent::TouchBegin:
+            case QEvent::TouchUpdate:
+            case QEvent::TouchEnd:
+                return true;
+            default:
+                return false;
+        }
+    }
+
+private:
+    struct Held {
+        unsigned message;
+        std::uintptr_t wParam;
+        std::intptr_t lParam;
+    };
+    CTonwerkView& m_view;
+    std::vector<Held> m_held;
+    bool m_escape = false;
+};
+
+void CTonwerkView::SpeakLetter(const QString& letter) {
+    const QString upper = letter.toUpper();
+    const int id =
+        upper.size() == 1 ? SpeechClipId(m_doc->Settings().GetActor(), upper.at(0).toLatin1()) : 0;
+    const int wordRate = m_wordRateSlider->value();
+    const int delayMs = m_doc->Settings().GetSpeechDelay();
+    if (id == 0 || wordRate >= kSpeechBelowWpm ||
+        !((m_soundEnabled && m_speech != 0) || m_speech == 2)) {
+        return;
+    }
+    // A negative delay from a hand-edited profile waits not at all rather than for ever.
+    QThread::msleep(static_cast<unsigned long>(std::max(delayMs, 0)));
+    PlayClip(QString::fromLatin1(tonwerk::res::kSpeechClipPrefix) + QString::number(id));
+}
+
+void CTonwerkView::PlayClip(const QString& resource) {
+    if (m_audio.playClip) {
+        m_audio.playClip(resource);
+        return;
+    }
+    QFile clip(resource);
+    if (!clip.open(QIODevice::ReadOnly)) {
+        return;
+    }
+    const QByteArray image = clip.readAll();
+    // Nothing to tell the learner when no output opens: the letter is simply not heard.
+    m_clips.Play(image.constData(), static_cast<std::size_t>(image.size()));
+    m_clipIdle.start(kClipIdleMs, this);
+}
+
+void CTonwerkView::OnReadBack() {
+    const CWaitCursor wait;
+    if (m_muteCheck->isChecked()) {
+        return;
+    }
+    QString text = m_practiceText;
+    text.remove(QLatin1Char('\n'));
+    text.remove(QLatin1Char('\r'));
+    const int speech = m_speech;
+    m_speech = 2;
+    {
+        CReadBackGuard guard(*this);
+        for (const QChar c : text) {
+            if (c == QLatin1Char(' ')) {
+                QThread::msleep(kReadBackBlankMs);
+            } else {
+                SpeakLetter(QString(c));
+            }
+            if (guard.EscapePressed()) {
+                break;
+            }
+            QThread::msleep(kReadBackPauseMs);
+        }
+    }
+    m_speech = speech;
+}
+
+void CTonwerkView::OnStraightKeyDown() {
+    m_straightKey.KeyDown(CHighResDateTime::Now());
+}
+
+void CTonwerkView::OnStraightKeyUp() {
+    // Blocks the form for the whole tone: the learner listens to what was keyed.
+    const std::uint32_t milliseconds = m_straightKey.KeyUp(CHighResDateTime::Now());
+    const auto frequency = static_cast<std::uint32_t>(m_pitch);
+    if (m_audio.beep) {
+        m_audio.beep(frequency, milliseconds);
+    } else {
+        Beep(frequency, milliseconds);
+    }
+}

@@ -16,7 +16,7 @@ bool SameFormat(const WaveFormat& a, const WaveFormat& b) {
 }  // namespace
 
 CClipPlayer::~CClipPlayer() {
-    CloseDevice();
+    Close();
 }
 
 bool CClipPlayer::Play(const void* image, std::size_t size) {
@@ -25,7 +25,7 @@ bool CClipPlayer::Play(const void* image, std::size_t size) {
         return false;
     }
     if (m_handle != nullptr && !SameFormat(m_format, wave.GetFormat())) {
-        CloseDevice();
+        Close();
     }
     if (m_handle != nullptr) {
         WaveOutReset(m_handle);
@@ -48,7 +48,7 @@ bool CClipPlayer::Play(const void* image, std::size_t size) {
     if (WaveOutPrepareHeader(m_handle, &m_header, sizeof m_header) != kMmNoError ||
         WaveOutWrite(m_handle, &m_header, sizeof m_header) != kMmNoError) {
         // The output has gone; the next clip opens a fresh one.
-        CloseDevice();
+        Close();
         return false;
     }
     return true;
@@ -65,7 +65,7 @@ bool CClipPlayer::IsPlaying() const {
     return m_handle != nullptr && (flags & kWaveHeaderInQueue) != 0;
 }
 
-void CClipPlayer::CloseDevice() {
+void CClipPlayer::Close() {
     if (m_handle == nullptr) {
         return;
     }

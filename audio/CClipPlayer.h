@@ -20,10 +20,10 @@ public:
     /// Cuts off what is playing.
     void Stop();
     bool IsPlaying() const;
+    /// Cuts off what is playing and lets the output go; the next clip opens it again.
+    void Close();
 
 private:
-    void CloseDevice();
-
     WaveOutHandle m_handle = nullptr;
     WaveFormat m_format;
     WaveHeader m_header;

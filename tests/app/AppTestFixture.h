@@ -24,7 +24,7 @@ public:
 
     /// No test touches the machine's sequencer or mixer: a MIDI count and a quiet mixer.
     static CTonwerkView::AudioHooks Hooks(int midiOutputs) {
-        return {[midiOutputs] { return midiOutputs; }, [] { return 32768; }, [](int) {}};
+        return {[midiOutputs] { return midiOutputs; }, [] { return 32768; }, [](int) {}, {}, {}};
     }
 
     void NewProfile() {

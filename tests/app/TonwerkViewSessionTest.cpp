@@ -2,6 +2,7 @@
 // The listening session in the real window, keyed through the test sound server: the button, the
 // displays, the key lamp, the progress bar and the clock follow what the worker posts, and the
 // tones are heard at the sink.
+#include <QAction>
 #include <QCheckBox>
 #include <QElapsedTimer>
 #include <QLabel>
@@ -239,6 +240,19 @@ private slots:
         QCOMPARE(characters[3].next, QStringLiteral("D"));
         QCOMPARE(characters[4].previous, QStringLiteral("C"));
         QCOMPARE(characters[4].current, QStringLiteral("D"));
+    }
+
+    void randomTextWaitsForTheSession() {
+        Prepare(QStringLiteral("EEEEEEEEEE"), 12);
+        Frame().Action(CMainFrame::kAllOn)->trigger();
+        Listen()->click();
+        Control<CImageButton>(1009)->setEnabled(true);  // the menu has no such guard
+        Control<CImageButton>(1009)->click();
+        QCOMPARE(Control<QTextEdit>(1002)->toPlainText(), QStringLiteral("EEEEEEEEEE"));
+        Listen()->click();
+        QTRY_COMPARE(Listen()->text(), QStringLiteral("&Listen"));
+        Control<CImageButton>(1009)->click();
+        QVERIFY(Control<QTextEdit>(1002)->toPlainText() != QStringLiteral("EEEEEEEEEE"));
     }
 
     void cleanupTestCase() { CloseFrame(); }

@@ -119,8 +119,10 @@ private slots:
         QFETCH(int, position);
         QFETCH(QString, label);
         int mixer = -1;
-        CTonwerkView::SetDefaultAudioHooks(
-            {[] { return 1; }, [] { return 12345; }, [&mixer](int volume) { mixer = volume; }});
+        CTonwerkView::AudioHooks hooks = Hooks(1);
+        hooks.readVolume = [] { return 12345; };
+        hooks.setVolume = [&mixer](int volume) { mixer = volume; };
+        CTonwerkView::SetDefaultAudioHooks(hooks);
         NewFrame();
         auto* slider = Control<QSlider>(1038);
         QCOMPARE(slider->value(), 12345);
