@@ -227,6 +227,8 @@ void CTonwerkView::CreateControls() {
     connect(m_speechCheck, &QCheckBox::clicked, this, &CTonwerkView::OnSpeech);
     connect(m_keyLamp, &CKeyLamp::clicked, this, &CTonwerkView::OnKeyLamp);
     connect(m_keyLamp, &CKeyLamp::enterPressed, this, &CTonwerkView::OnStraightKeyDown);
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget*, QWidget* now) { OnFocusChanged(now); });
     // Held keys repeat as release and press pairs here; only the real release ends the hold.
     connect(m_keyLamp, &CKeyLamp::enterReleased, this, [this](bool autoRepeat) {
         if (!autoRepeat) {

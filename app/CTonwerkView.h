@@ -12,6 +12,7 @@
 #include "app/CPostedNotifyTarget.h"
 #include "app/CProgressStepper.h"
 #include "app/CQtVolumeSlider.h"
+#include "audio/Beep.h"
 #include "audio/CClipPlayer.h"
 #include "audio/CSoundMixer.h"
 #include "audio/CWaveDevice.h"
@@ -145,6 +146,8 @@ public:
     /// Enter on the focused key lamp: the first press starts the hold, the release sounds it.
     void OnStraightKeyDown();
     void OnStraightKeyUp();
+    /// The key's output is opened when the lamp takes the focus and let go when it leaves.
+    void OnFocusChanged(QWidget* now);
 
     // -- Sound files and session recording ----------------------------------------------------
     void OnGenerateFile();
@@ -253,6 +256,7 @@ private:
     CClipPlayer m_clips;
     QBasicTimer m_clipIdle;
     CStraightKey m_straightKey;
+    CBeeper m_beeper;  // open while the key lamp has the focus, so a tone starts at once
 
     // -- Sound file and recording state -------------------------------------------------------
     bool m_recordSession = false;

@@ -13,9 +13,9 @@
 #include "app/CTonwerkDoc.h"
 #include "app/CTonwerkView.h"
 #include "app/CWaitCursor.h"
-#include "audio/Beep.h"
 #include "model/SpeechClips.h"
 #include "res/TonwerkResources.h"
+#include "widgets/CKeyLamp.h"
 
 namespace {
 
@@ -161,6 +161,14 @@ void CTonwerkView::OnStraightKeyUp() {
     if (m_audio.beep) {
         m_audio.beep(frequency, milliseconds);
     } else {
-        Beep(frequency, milliseconds);
+        m_beeper.Beep(frequency, milliseconds);
+    }
+}
+
+void CTonwerkView::OnFocusChanged(QWidget* now) {
+    if (now != m_keyLamp) {
+        m_beeper.Close();
+    } else if (!m_audio.beep) {
+        m_beeper.Open();
     }
 }

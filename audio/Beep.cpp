@@ -21,13 +21,30 @@ constexpr std::uint32_t kChunkWaitMicroseconds = (100 + 1000) * 1000;
 
 }  // namespace
 
-bool Beep(std::uint32_t frequency, std::uint32_t milliseconds) {
-    if (frequency < kLowestFrequency || frequency > kHighestFrequency) {
-        return false;
+CBeeper::~CBeeper() {
+    Close();
+}
+
+bool CBeeper::Open() {
+    if (m_output == nullptr) {
+        WaveFormat format{kWaveFormatPcm, 1, kRate, kRate * 2, 2, 16, 0};
+        if (WaveOutOpen(&m_output, kWaveMapper, &format, nullptr, 0, kWaveCallbackNull) !=
+            kMmNoError) {
+            m_output = nullptr;
+        }
     }
-    WaveFormat format{kWaveFormatPcm, 1, kRate, kRate * 2, 2, 16, 0};
-    WaveOutHandle output = nullptr;
-    if (WaveOutOpen(&output, kWaveMapper, &format, nullptr, 0, kWaveCallbackNull) != kMmNoError) {
+    return m_output != nullptr;
+}
+
+void CBeeper::Close() {
+    if (m_output != nullptr) {
+        WaveOutClose(m_output);
+        m_output = nullptr;
+    }
+}
+
+bool CBeeper::Beep(std::uint32_t frequency, std::uint32_t milliseconds) {
+    if (frequency < kLowestFrequency || frequency > kHighestFrequency || !Open()) {
         return false;
     }
     // Long tones go out in chunks through two headers taking turns, never all at once.
@@ -45,7 +62,7 @@ bool Beep(std::uint32_t frequency, std::uint32_t milliseconds) {
             ok = false;
             break;
         }
-        WaveOutUnprepareHeader(output, &header, sizeof header);
+        WaveOutUnprepareHeader(m_output, &header, sizeof header);
         const auto count =
             static_cast<std::uint32_t>(std::min<std::uint64_t>(kChunkSamples, total - written));
         for (std::uint32_t i = 0; i < count; ++i) {
@@ -55,8 +72,8 @@ bool Beep(std::uint32_t frequency, std::uint32_t milliseconds) {
         header.Clear();
         header.data = reinterpret_cast<char*>(chunks[turn].data());
         header.bufferLength = count * 2;
-        ok = WaveOutPrepareHeader(output, &header, sizeof header) == kMmNoError &&
-             WaveOutWrite(output, &header, sizeof header) == kMmNoError;
+        ok = WaveOutPrepareHeader(m_output, &header, sizeof header) == kMmNoError &&
+             WaveOutWrite(m_output, &header, sizeof header) == kMmNoError;
         written += count;
     }
     for (WaveHeader& header : headers) {
@@ -66,8 +83,17 @@ bool Beep(std::uint32_t frequency, std::uint32_t milliseconds) {
         }
     }
     if (!ok) {
-        WaveOutReset(output);
+        WaveOutReset(m_output);
+        Close();
+        return false;
     }
-    WaveOutClose(output);
-    return ok;
+    // The output stays open for the next tone; the headers go with this call.
+    for (WaveHeader& header : headers) {
+        WaveOutUnprepareHeader(m_output, &header, sizeof header);
+    }
+    return true;
+}
+
+bool Beep(std::uint32_t frequency, std::uint32_t milliseconds) {
+    return CBeeper().Beep(frequency, milliseconds);
 }

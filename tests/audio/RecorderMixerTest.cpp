@@ -201,6 +201,31 @@ TEST(Beep, SoundsForItsLengthAndRefusesOddFrequencies) {
     EXPECT_NEAR(tones[0].frequency, 880.0, 10.0);
 }
 
+TEST(Beep, AnOpenedBeeperKeepsItsOutputBetweenTones) {
+    CBeeper beeper;
+    EXPECT_FALSE(beeper.Beep(20, 100));
+    ASSERT_TRUE(beeper.Open());
+    SinkRecorder recorder;
+    ASSERT_TRUE(recorder.Running());
+    EXPECT_TRUE(beeper.Beep(600, 120));
+    EXPECT_TRUE(beeper.IsOpen());
+    std::this_thread::sleep_for(100ms);
+    EXPECT_TRUE(beeper.Beep(900, 60));
+    beeper.Close();
+    EXPECT_FALSE(beeper.IsOpen());
+    // A closed beeper opens an output for the tone.
+    std::this_thread::sleep_for(100ms);
+    EXPECT_TRUE(beeper.Beep(750, 80));
+    const auto tones = SinkRecorder::FindTones(recorder.Stop());
+    ASSERT_EQ(tones.size(), 3u);
+    const double lengths[] = {120.0, 60.0, 80.0};
+    const double pitches[] = {600.0, 900.0, 750.0};
+    for (std::size_t i = 0; i < 3; ++i) {
+        EXPECT_NEAR(tones[i].lengthMs, lengths[i], 1.0) << i;
+        EXPECT_NEAR(tones[i].frequency, pitches[i], 10.0) << i;
+    }
+}
+
 /// A wave of a 600 Hz tone, whole periods long so that copies of it join without a click.
 CWave ToneWave(std::uint32_t count) {
     CWave wave;
