@@ -82,16 +82,21 @@ struct WaveOutDevice final : DeviceCore {
         FixLead();
     }
 
-    /// The lead for this stream: its output delay and one period, plus a margin.
+    /// The lead for this stream: its output delay and one period, plus a margin. The delay a
+    /// period reports depends on how full the buffer happened to be, so the lead takes the
+    /// largest seen while settling, and never less than the buffering the stream was opened with:
+    /// a lead too short starts tones late and lengthens gaps by the shortfall.
     void FixLead() {
         const double period = static_cast<double>(m_periodFrames.load()) / m_format.samplesPerSec;
-        const double measured = m_measuredLatency.load() + period;
+        const PaStreamInfo* info = Pa_GetStreamInfo(m_stream);
+        const double buffered = info != nullptr ? info->outputLatency : 0.0;
+        const double measured = std::max(m_largestLatency.load(), buffered) + period;
         if (measured > 0.0) {
             m_leadNs =
                 std::max(kOnsetLeadNs, static_cast<std::int64_t>(measured * 1e9) + kLeadMarginNs);
         }
     }
-    std::atomic<double> m_measuredLatency{0.0};
+    std::atomic<double> m_largestLatency{0.0};
     // The stream's own clock: when its frame 0 is heard, smoothed over many periods, so a
     // period whose delay report jitters on a busy machine does not move a tone.
     std::uint64_t m_streamFrames = 0;
@@ -113,7 +118,9 @@ struct WaveOutDevice final : DeviceCore {
         // Some periods come without a usable output time; the delay does not change between them.
         if (latency > 0.0 && latency < 1.0) {
             m_latency = latency;
-            m_measuredLatency.store(latency, std::memory_order_relaxed);
+            if (latency > m_largestLatency.load(std::memory_order_relaxed)) {
+                m_largestLatency.store(latency, std::memory_order_relaxed);
+            }
         } else {
             latency = m_latency;
         }
