@@ -76,6 +76,7 @@ protected:
             case QEvent::TouchBegin:
             case QEvent::TouchUpdate:
             case QEvent::TouchEnd:
+            case QEvent::Close:  // the window stays until the read-back is over
                 return true;
             default:
                 return false;

@@ -201,6 +201,24 @@ private slots:
         QVERIFY(Control<QTextEdit>(1002)->toPlainText().contains(QLatin1Char('x')));
     }
 
+    void postedMessagesWaitForTheReadBack() {
+        Prepare(QStringLiteral("AB"));
+        std::vector<unsigned> delivered;
+        const QMetaObject::Connection connection =
+            connect(&View(), &CTonwerkView::AppMessage, this,
+                    [&delivered](unsigned message) { delivered.push_back(message - kAppMessage); });
+        QTimer::singleShot(300, this, [this] {
+            View().NotifyTarget().PostMessage(kAppMessage + 4, 1, 1);
+            View().NotifyTarget().PostMessage(kAppMessage + 3, 1, 1);
+        });
+        ReadBack();
+        QCOMPARE(SaidResources().size(), 2);
+        QVERIFY(delivered.empty());
+        // Handled afterwards, in the order they were posted.
+        QTRY_COMPARE(delivered, (std::vector<unsigned>{4, 3}));
+        disconnect(connection);
+    }
+
     void aSessionSaysEachLetterAfterItsCode() {
         Prepare(QStringLiteral("ET"));
         Control<QCheckBox>(1052)->click();
