@@ -196,8 +196,9 @@ private:
     void SetSelection(std::size_t first, std::size_t count, bool checked);
     void SelectLetterClass(LetterClass letterClass);
     void UpdateRandomMenuChecks();
-    /// Takes and stores the word count and size and empties the practice text.
-    void TakeRandomFields();
+    /// Takes and stores the word count and size and empties the practice text; false when the
+    /// form refused a field.
+    bool TakeRandomFields();
     /// Shows a generated text, saves the selection, converts it and estimates its time.
     void FinishRandomText(const std::string& text);
 

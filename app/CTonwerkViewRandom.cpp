@@ -112,12 +112,15 @@ void CTonwerkView::OnDoubleSpace() {
     UpdateRandomMenuChecks();
 }
 
-void CTonwerkView::TakeRandomFields() {
-    // A refused field has been reported; generation goes on with the values that were taken.
-    UpdateData(true);
+bool CTonwerkView::TakeRandomFields() {
+    // A refused field has been reported; the learner corrects it before anything is generated.
+    if (!UpdateData(true)) {
+        return false;
+    }
     m_doc->Settings().SetRandomWordSize(m_wordSize);
     m_doc->Settings().SetRandomWordCount(m_wordCount);
     m_practiceText.clear();
+    return true;
 }
 
 void CTonwerkView::FinishRandomText(const std::string& text) {
@@ -141,7 +144,9 @@ void CTonwerkView::OnRandom() {
         const std::string_view characters = CMorseAlphabet::SelectableCharacters();
         return m_selection[characters.find(c)]->isChecked();
     });
-    TakeRandomFields();
+    if (!TakeRandomFields()) {
+        return;
+    }
     CStatusProgress* progress = m_frame ? m_frame->ResetProgress() : nullptr;
     if (progress) {
         progress->SetRange(0, m_wordCount);
@@ -162,7 +167,9 @@ void CTonwerkView::OnRandom() {
 }
 
 void CTonwerkView::OnCallSigns() {
-    TakeRandomFields();
+    if (!TakeRandomFields()) {
+        return;
+    }
     const std::string text = CRandomText::CallSigns(m_wordCount, NowSeconds(), [this] {
         // No bar of its own: one left by an earlier run is stepped while it is still there.
         if (CStatusProgress* progress = m_frame ? m_frame->Progress() : nullptr) {

@@ -23,6 +23,8 @@ namespace {
 constexpr int kSpeechBelowWpm = 25;
 constexpr unsigned long kReadBackBlankMs = 125;
 constexpr unsigned long kReadBackPauseMs = 350;
+/// The longest wait before a letter: a hand-edited profile must not hold the form for days.
+constexpr int kSpeechDelayMaxMs = 10'000;
 /// The clip output is let go once this long has passed without a new letter.
 constexpr int kClipIdleMs = 3000;
 
@@ -104,8 +106,8 @@ void CTonwerkView::SpeakLetter(const QString& letter) {
         !((m_soundEnabled && m_speech != 0) || m_speech == 2)) {
         return;
     }
-    // A negative delay from a hand-edited profile waits not at all rather than for ever.
-    QThread::msleep(static_cast<unsigned long>(std::max(delayMs, 0)));
+    // A negative delay waits not at all rather than for ever.
+    QThread::msleep(static_cast<unsigned long>(std::clamp(delayMs, 0, kSpeechDelayMaxMs)));
     PlayClip(QString::fromLatin1(tonwerk::res::kSpeechClipPrefix) + QString::number(id));
 }
 

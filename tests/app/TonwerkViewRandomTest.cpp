@@ -132,6 +132,18 @@ private slots:
         QCOMPARE(PracticeText(), QStringLiteral("keep me"));
     }
 
+    void aRefusedWordCountGeneratesNothing() {
+        Control<QTextEdit>(1002)->setPlainText(QStringLiteral("keep me"));
+        Trigger(CMainFrame::kAllOn);
+        SetFields(20000, 5);
+        Control<CImageButton>(1009)->click();
+        Trigger(CMainFrame::kCallSigns);
+        const QString refused = QStringLiteral("Please enter an integer between 1 and 10000.");
+        QCOMPARE(CModalSeam::Messages(), (QStringList{refused, refused}));
+        QCOMPARE(PracticeText(), QStringLiteral("keep me"));
+        QCOMPARE(Stored("Settings", "RandomWordCount"), -1);
+    }
+
     void allOnAndAllOffSetEveryButtonAndBothToggles() {
         Trigger(CMainFrame::kAllOn);
         QCOMPARE(Checked().size(), 58);
