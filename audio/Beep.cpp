@@ -93,7 +93,3 @@ bool CBeeper::Beep(std::uint32_t frequency, std::uint32_t milliseconds) {
     }
     return true;
 }
-
-bool Beep(std::uint32_t frequency, std::uint32_t milliseconds) {
-    return CBeeper().Beep(frequency, milliseconds);
-}

@@ -27,6 +27,3 @@ public:
 private:
     WaveOutHandle m_output = nullptr;
 };
-
-/// One tone on an output opened for it alone.
-bool Beep(std::uint32_t frequency, std::uint32_t milliseconds);

@@ -78,7 +78,9 @@ TEST(NoServer, MixerDisablesTheSlider) {
 
 TEST(NoServer, NoMidiOutputsAndNoSound) {
     WithinASecond("MidiOutGetNumDevs", [] { EXPECT_EQ(MidiOutGetNumDevs(), 0u); });
-    WithinASecond("Beep", [] { EXPECT_FALSE(Beep(750, 200)); });
+    CBeeper beeper;
+    WithinASecond("Open", [&] { EXPECT_FALSE(beeper.Open()); });
+    WithinASecond("Beep", [&] { EXPECT_FALSE(beeper.Beep(750, 200)); });
     CClipPlayer clips;
     const char image[] =
         "RIFF\x28\0\0\0WAVEfmt \x10\0\0\0\x01\0\x01\0\x22\x56\0\0\x44\xac\0\0"

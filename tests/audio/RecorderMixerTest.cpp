@@ -188,12 +188,14 @@ TEST(ClipPlayer, PlaysWithoutWaitingAndANewClipCutsOffTheLast) {
 }
 
 TEST(Beep, SoundsForItsLengthAndRefusesOddFrequencies) {
-    EXPECT_FALSE(Beep(20, 100));
-    EXPECT_FALSE(Beep(40000, 100));
+    CBeeper beeper;
+    EXPECT_FALSE(beeper.Beep(20, 100));
+    EXPECT_FALSE(beeper.Beep(40000, 100));
     SinkRecorder recorder;
     ASSERT_TRUE(recorder.Running());
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_TRUE(Beep(880, 250));
+    // Without an output opened beforehand the tone opens one.
+    EXPECT_TRUE(beeper.Beep(880, 250));
     EXPECT_GE(std::chrono::steady_clock::now() - start, 240ms);
     const auto tones = SinkRecorder::FindTones(recorder.Stop());
     ASSERT_EQ(tones.size(), 1u);
@@ -203,7 +205,6 @@ TEST(Beep, SoundsForItsLengthAndRefusesOddFrequencies) {
 
 TEST(Beep, AnOpenedBeeperKeepsItsOutputBetweenTones) {
     CBeeper beeper;
-    EXPECT_FALSE(beeper.Beep(20, 100));
     ASSERT_TRUE(beeper.Open());
     SinkRecorder recorder;
     ASSERT_TRUE(recorder.Running());
@@ -213,14 +214,11 @@ TEST(Beep, AnOpenedBeeperKeepsItsOutputBetweenTones) {
     EXPECT_TRUE(beeper.Beep(900, 60));
     beeper.Close();
     EXPECT_FALSE(beeper.IsOpen());
-    // A closed beeper opens an output for the tone.
-    std::this_thread::sleep_for(100ms);
-    EXPECT_TRUE(beeper.Beep(750, 80));
     const auto tones = SinkRecorder::FindTones(recorder.Stop());
-    ASSERT_EQ(tones.size(), 3u);
-    const double lengths[] = {120.0, 60.0, 80.0};
-    const double pitches[] = {600.0, 900.0, 750.0};
-    for (std::size_t i = 0; i < 3; ++i) {
+    ASSERT_EQ(tones.size(), 2u);
+    const double lengths[] = {120.0, 60.0};
+    const double pitches[] = {600.0, 900.0};
+    for (std::size_t i = 0; i < 2; ++i) {
         EXPECT_NEAR(tones[i].lengthMs, lengths[i], 1.0) << i;
         EXPECT_NEAR(tones[i].frequency, pitches[i], 10.0) << i;
     }
