@@ -38,9 +38,6 @@
 
 namespace {
 
-constexpr int kLetterCount = 26;
-constexpr int kDigitCount = 10;
-constexpr int kSignCount = 22;
 constexpr int kFirstLetterId = 1011;
 constexpr int kFirstDigitId = 1078;  // "0"; "1" to "9" follow
 constexpr int kFirstSignId = 1056;
@@ -227,14 +224,14 @@ void CTonwerkView::CreateControls() {
     connect(m_speechCheck, &QCheckBox::clicked, this, &CTonwerkView::OnSpeech);
     connect(m_keyLamp, &CKeyLamp::clicked, this, &CTonwerkView::OnKeyLamp);
     connect(m_keyLamp, &CKeyLamp::enterPressed, this, &CTonwerkView::OnStraightKeyDown);
-    connect(qApp, &QApplication::focusChanged, this,
-            [this](QWidget*, QWidget* now) { OnFocusChanged(now); });
     // Held keys repeat as release and press pairs here; only the real release ends the hold.
     connect(m_keyLamp, &CKeyLamp::enterReleased, this, [this](bool autoRepeat) {
         if (!autoRepeat) {
             OnStraightKeyUp();
         }
     });
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget*, QWidget* now) { OnFocusChanged(now); });
     connect(m_clock, &CSegmentDisplay::clicked, this, &CTonwerkView::OnCalculateCompletionTime);
     connect(m_wordRateSlider, &QSlider::valueChanged, this, &CTonwerkView::OnWordRateMoved);
     connect(m_pitchSlider, &QSlider::valueChanged, this, &CTonwerkView::OnPitchMoved);

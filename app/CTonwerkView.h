@@ -192,8 +192,12 @@ private:
     void PlayClip(const QString& resource);
     class CReadBackGuard;
 
-    // Random practice text.
-    void SetSelection(std::size_t first, std::size_t count, bool checked);
+    // Random practice text. The selection buttons stand in the order of the selectable
+    // characters: the letters, the digits 0 to 9, then the pro signs.
+    static constexpr int kLetterCount = 26;
+    static constexpr int kDigitCount = 10;
+    static constexpr int kSignCount = 22;
+    void SetSelection(int first, int count, bool checked);
     void SelectLetterClass(LetterClass letterClass);
     void UpdateRandomMenuChecks();
     /// Takes and stores the word count and size and empties the practice text; false when the

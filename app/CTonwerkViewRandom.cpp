@@ -12,19 +12,9 @@
 #include "model/CRandomText.h"
 #include "widgets/CStatusProgress.h"
 
-namespace {
-
-// The selection buttons stand in the order of the selectable characters: letters, digits, signs.
-constexpr std::size_t kLetters = 26;
-constexpr std::size_t kDigits = 10;
-constexpr std::size_t kFirstDigit = kLetters;
-constexpr std::size_t kFirstSign = kLetters + kDigits;
-
-}  // namespace
-
-void CTonwerkView::SetSelection(std::size_t first, std::size_t count, bool checked) {
-    for (std::size_t i = first; i < first + count; ++i) {
-        m_selection[i]->setChecked(checked);
+void CTonwerkView::SetSelection(int first, int count, bool checked) {
+    for (int i = first; i < first + count; ++i) {
+        m_selection[static_cast<std::size_t>(i)]->setChecked(checked);
     }
 }
 
@@ -43,7 +33,7 @@ void CTonwerkView::UpdateRandomMenuChecks() {
 }
 
 void CTonwerkView::OnAllOn() {
-    SetSelection(0, m_selection.size(), true);
+    SetSelection(0, kLetterCount + kDigitCount + kSignCount, true);
     m_numbersToggle = 1;
     m_proSignsToggle = 1;
     m_doc->Settings().SetRanProSnTog(1);
@@ -53,7 +43,7 @@ void CTonwerkView::OnAllOn() {
 }
 
 void CTonwerkView::OnAllOff() {
-    SetSelection(0, m_selection.size(), false);
+    SetSelection(0, kLetterCount + kDigitCount + kSignCount, false);
     SaveSelection();
     m_numbersToggle = 0;
     m_proSignsToggle = 0;
@@ -91,7 +81,7 @@ void CTonwerkView::OnToneCharacters(int tones) {
 
 void CTonwerkView::OnNumbersToggle() {
     m_numbersToggle = m_numbersToggle ? 0 : 1;
-    SetSelection(kFirstDigit, kDigits, m_numbersToggle != 0);
+    SetSelection(kLetterCount, kDigitCount, m_numbersToggle != 0);
     SaveSelection();
     m_doc->Settings().SetNumTog(m_numbersToggle);
     UpdateRandomMenuChecks();
@@ -99,7 +89,7 @@ void CTonwerkView::OnNumbersToggle() {
 
 void CTonwerkView::OnProSignsToggle() {
     m_proSignsToggle = m_proSignsToggle ? 0 : 1;
-    SetSelection(kFirstSign, m_selection.size() - kFirstSign, m_proSignsToggle != 0);
+    SetSelection(kLetterCount + kDigitCount, kSignCount, m_proSignsToggle != 0);
     SaveSelection();
     // The numbers toggle is what gets stored here; the pro-sign state itself is not kept.
     m_doc->Settings().SetRanProSnTog(m_numbersToggle);

@@ -65,6 +65,16 @@ class TonwerkViewRandomTest : public QObject, public AppTestFixture {
         Control<QLineEdit>(1043)->setText(QString::number(size));
     }
 
+    /// "&Random" with only these characters selected.
+    void GenerateFrom(std::initializer_list<char> characters, int count, int size) {
+        Trigger(CMainFrame::kAllOff);
+        for (const char c : characters) {
+            Button(c)->click();
+        }
+        SetFields(count, size);
+        Control<CImageButton>(1009)->click();
+    }
+
 private slots:
     void init() {
         NewProfile();
@@ -74,10 +84,7 @@ private slots:
     void groupsOfTheSelectionFillTheText() {
         Control<QSlider>(1003)->setValue(5);
         Control<QTextEdit>(1002)->setPlainText(QStringLiteral("old text"));
-        Trigger(CMainFrame::kAllOff);
-        Button('E')->click();
-        SetFields(2, 5);
-        Control<CImageButton>(1009)->click();
+        GenerateFrom({'E'}, 2, 5);
 
         QCOMPARE(PracticeText(), QStringLiteral("EEEEE EEEEE "));
         // Converted one character at a time: the blank becomes " /".
@@ -94,12 +101,7 @@ private slots:
     }
 
     void groupsUseEverySelectedCharacterAndNothingElse() {
-        Trigger(CMainFrame::kAllOff);
-        for (const char c : {'K', 'M', '7', '?', '/'}) {
-            Button(c)->click();
-        }
-        SetFields(200, 4);
-        Control<CImageButton>(1009)->click();
+        GenerateFrom({'K', 'M', '7', '?', '/'}, 200, 4);
         const QStringList groups = PracticeText().split(QLatin1Char(' '), Qt::SkipEmptyParts);
         QCOMPARE(groups.size(), 200);
         QSet<QChar> seen;
@@ -113,10 +115,7 @@ private slots:
                                     QLatin1Char('?'), QLatin1Char('/')}));
         // With Double Space on, each character's code is followed by one more blank.
         Trigger(CMainFrame::kDoubleSpace);
-        Trigger(CMainFrame::kAllOff);
-        Button('T')->click();
-        SetFields(1, 2);
-        Control<CImageButton>(1009)->click();
+        GenerateFrom({'T'}, 1, 2);
         QCOMPARE(PracticeText(), QStringLiteral("TT "));
         QCOMPARE(CodeText(), QStringLiteral(" -  -  / "));
     }
