@@ -15,6 +15,7 @@
 #include <QToolBar>
 
 #include "app/CAboutDlg.h"
+#include "app/CLockIndicators.h"
 #include "app/CModalSeam.h"
 #include "app/CTonwerkDoc.h"
 #include "app/CTonwerkView.h"
@@ -27,11 +28,24 @@ namespace {
 constexpr std::string_view kWindowSettings = "WindowSettings";
 constexpr std::string_view kBarStateSection = "TonwerkApp";
 constexpr std::string_view kBarStateEntry = "BarState";
+constexpr std::string_view kStatusBarEntry = "StatusBar";
 constexpr int kPlacementMin = 1;
 constexpr int kPlacementMax = 1999;
 
 /// The width of the text that sizes the progress pane: 52 blanks.
 constexpr int kProgressPaneBlanks = 52;
+
+/// Keeps the toolbar's button of a command whose prompt has no tip part from showing one: Qt
+/// would fall back on the menu caption, shortcut and all.
+class CNoToolTip final : public QObject {
+public:
+    using QObject::QObject;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        return event->type() == QEvent::ToolTip || QObject::eventFilter(watched, event);
+    }
+};
 
 bool InPlacementRange(int value) {
     // As an unsigned difference, so zero and negative values fail along with the large ones.
@@ -66,6 +80,7 @@ CMainFrame::CMainFrame(IProfile& profile, QWidget* parent)
     if (!state.empty()) {
         restoreState(QByteArray::fromBase64(QByteArray::fromStdString(state)));
     }
+    Action(kViewStatusBar)->setChecked(m_profile.GetInt(kBarStateSection, kStatusBarEntry, 1) != 0);
     ResetProgress();
 
     connect(m_doc, &CTonwerkDoc::TitleChanged, this,
@@ -104,6 +119,7 @@ QAction* CMainFrame::AddAction(int command, const QString& text, const QString& 
     if (newline >= 0) {
         action->setToolTip(prompt.mid(newline + 1));
     }
+    action->setProperty("hasToolTip", newline >= 0);
     if (icon) {
         action->setIcon(QIcon(QString::fromLatin1(icon)));
     }
@@ -194,8 +210,10 @@ void CMainFrame::CreateActions() {
     Action(kViewToolbar)->setCheckable(true);
     Action(kViewStatusBar)->setCheckable(true);
     Action(kViewStatusBar)->setChecked(true);
-    connect(Action(kViewStatusBar), &QAction::toggled, this,
-            [this](bool on) { statusBar()->setVisible(on); });
+    connect(Action(kViewStatusBar), &QAction::toggled, this, [this](bool on) {
+        statusBar()->setVisible(on);
+        m_profile.WriteInt(kBarStateSection, kStatusBarEntry, on ? 1 : 0);
+    });
 
     const std::pair<int, void (CTonwerkView::*)()> viewCommands[] = {
         {kGenerateFile, &CTonwerkView::OnGenerateFile},
@@ -274,6 +292,12 @@ void CMainFrame::CreateToolBar() {
     toolBar->addActions({Action(kReadBack), Action(kGenerateFile)});
     toolBar->addSeparator();
     toolBar->addAction(Action(kAppAbout));
+    auto* noToolTip = new CNoToolTip(toolBar);
+    for (QAction* action : toolBar->actions()) {
+        if (!action->isSeparator() && !action->property("hasToolTip").toBool()) {
+            toolBar->widgetForAction(action)->installEventFilter(noToolTip);
+        }
+    }
     Action(kViewToolbar)->setChecked(true);
     connect(Action(kViewToolbar), &QAction::toggled, toolBar, &QToolBar::setVisible);
     connect(toolBar, &QToolBar::visibilityChanged, Action(kViewToolbar), &QAction::setChecked);
@@ -292,14 +316,7 @@ void CMainFrame::CreateStatusBar() {
     m_progressPane->setFixedWidth(
         bar->fontMetrics().horizontalAdvance(QString(kProgressPaneBlanks, QLatin1Char(' '))));
     bar->addPermanentWidget(m_progressPane);
-    for (const char* indicator : {"CAP", "NUM", "SCRL"}) {
-        auto* label = new QLabel(QString::fromLatin1(indicator), bar);
-        label->setObjectName(QStringLiteral("pane%1").arg(QString::fromLatin1(indicator)));
-        label->setEnabled(false);
-        label->setAlignment(Qt::AlignCenter);
-        label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QStringLiteral("SCRL")) + 8);
-        bar->addPermanentWidget(label);
-    }
+    new CLockIndicators(bar);
 }
 
 void CMainFrame::SetMessageText(const QString& text) {

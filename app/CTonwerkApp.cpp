@@ -2,11 +2,14 @@
 #include "app/CTonwerkApp.h"
 
 #include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
 #include <QThread>
 
 #include "app/CMainFrame.h"
 #include "app/CModalSeam.h"
 #include "app/CTonwerkDoc.h"
+#include "app/CTonwerkView.h"
 #include "profile/CQtProfile.h"
 #include "widgets/CSplashWnd.h"
 
@@ -49,12 +52,23 @@ bool CTonwerkApp::InitInstance() {
 
     QThread::msleep(kShellCommandDelayMs);
     const QStringList files = parser.positionalArguments();
-    if (!files.isEmpty()) {
-        m_frame->Document()->OpenFile(files.constFirst());
+    if (!files.isEmpty() && !OpenCommandLineDocument(*m_frame, files.constFirst())) {
+        return false;
     }
     m_frame->show();
     if (m_pSplashThread) {
         m_pSplashThread->CloseSplash();
     }
     return true;
+}
+
+bool CTonwerkApp::OpenCommandLineDocument(CMainFrame& frame, const QString& path) {
+    if (!QFileInfo::exists(path)) {
+        // Opening says nothing of a file that is not there; start-up must.
+        CModalSeam::Message(frame.View(), tr("Cannot open %1: %2")
+                                              .arg(QDir::toNativeSeparators(path),
+                                                   tr("No such file or directory")));
+        return false;
+    }
+    return frame.Document()->OpenFile(path);
 }

@@ -9,7 +9,8 @@ class CSplashWnd;
 class IProfile;
 
 /// The application: names the profile, creates the frame with its document and view, opens a
-/// ".code" file given on the command line and shows the window.
+/// ".code" file given on the command line (a file that cannot be opened ends start-up) and shows
+/// the window.
 class CTonwerkApp : public QApplication {
     Q_OBJECT
 
@@ -19,6 +20,10 @@ public:
 
     /// Start-up; false when the program should end at once.
     bool InitInstance();
+
+    /// Opens the ".code" file named on the command line; false, after its message, when it
+    /// cannot be opened, and start-up then ends.
+    static bool OpenCommandLineDocument(CMainFrame& frame, const QString& path);
 
     CMainFrame* MainFrame() const { return m_frame.get(); }
     /// The "--screenshot FILE" option: where to save a picture of the window, or empty.

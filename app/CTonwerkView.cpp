@@ -11,6 +11,7 @@
 #include <QMenu>
 #include <QProcess>
 #include <QPushButton>
+#include <QRegularExpressionValidator>
 #include <QScrollBar>
 #include <QSlider>
 #include <QStandardPaths>
@@ -26,6 +27,7 @@
 #include "audio/CWaveOut.h"
 #include "audio/MidiAudio.h"
 #include "model/CMorseAlphabet.h"
+#include "model/CodePatterns.h"
 #include "model/CompletionEstimate.h"
 #include "res/TonwerkResources.h"
 #include "widgets/CAnchorLayout.h"
@@ -43,6 +45,10 @@ constexpr int kFirstDigitId = 1078;  // "0"; "1" to "9" follow
 constexpr int kFirstSignId = 1056;
 constexpr CDataExchange::Range kWordCountRange{1, 10000};
 constexpr CDataExchange::Range kFarnsworthRange{0, 99};
+/// The form's first Word Count and Word Size, also taken when the profile holds values the
+/// fields would refuse.
+constexpr int kFirstWordCount = 20;
+constexpr int kFirstWordSize = 5;
 const QColor kCodeHighlight(199, 216, 255);
 
 // Design rectangles of the form at its base size, and the rows of selection buttons.
@@ -197,9 +203,13 @@ void CTonwerkView::CreateControls() {
         // The view shows its own menu over the two text boxes and none anywhere else.
         edit->setContextMenuPolicy(Qt::NoContextMenu);
     }
+    // The numeric fields take digits only; a value pasted with anything else is not taken.
+    auto* digitsOnly =
+        new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]*")), this);
     for (QLineEdit* edit : {m_farnsworthEdit, m_wordCountEdit, m_wordSizeEdit}) {
         edit->setContextMenuPolicy(Qt::NoContextMenu);
         edit->setAlignment(Qt::AlignRight);
+        edit->setValidator(digitsOnly);
     }
     m_volumeLabel->setAlignment(Qt::AlignCenter);
     m_pitchLabel->setAlignment(Qt::AlignCenter);
@@ -364,8 +374,18 @@ void CTonwerkView::OnInitialUpdate() {
     }
 
     CProfileSettings& settings = m_doc->Settings();
+    // Shown at once, so the first conversion below takes the stored values back, not the
+    // form's first ones; values the fields would refuse fall back to those quietly.
     m_wordSize = settings.GetRandomWordSize();
     m_wordCount = settings.GetRandomWordCount();
+    if (m_wordCount < kWordCountRange.min || m_wordCount > kWordCountRange.max) {
+        m_wordCount = kFirstWordCount;
+    }
+    if (m_wordSize < 0) {
+        m_wordSize = kFirstWordSize;
+    }
+    CDataExchange::Push(m_wordCountEdit, m_wordCount);
+    CDataExchange::Push(m_wordSizeEdit, m_wordSize);
 
     m_keyLamp->SetKeyDown(false);
     SetChecksFromDocument();
@@ -544,14 +564,12 @@ bool CTonwerkView::UpdateData(bool saveAndValidate) {
     m_speech = m_speechCheck->checkState() == Qt::Checked ? 1 : 0;
     m_strPitch = m_pitchLabel->text();
     m_strVolume = m_volumeLabel->text();
-    const int oldFarnsworth = m_farnsworth;
-    if (!CDataExchange::Pull(m_farnsworthEdit, m_farnsworth, kFarnsworthRange)) {
-        return false;
-    }
-    if (m_farnsworth != oldFarnsworth) {
-        m_doc->Settings().SetFarnsworthFactor(m_farnsworth);
-    }
-    return true;
+    // The factor is stored when a session starts, not at every read of the form.
+    return CDataExchange::Pull(m_farnsworthEdit, m_farnsworth, kFarnsworthRange);
+}
+
+QByteArray CTonwerkView::KeyedText() const {
+    return QByteArray::fromStdString(PlainPracticeText(m_practiceText.toStdString()));
 }
 
 QString CTonwerkView::PracticeText() const {
@@ -577,7 +595,7 @@ void CTonwerkView::OnTextToMorse() {
         return;
     }
     CStatusProgress* progress = m_frame ? m_frame->ResetProgress() : nullptr;
-    const QByteArray text = m_practiceText.toLatin1();
+    const QByteArray text = KeyedText();
     if (progress) {
         progress->SetStep(1);
         progress->SetRange(0, static_cast<int>(text.size()));
@@ -690,8 +708,7 @@ void CTonwerkView::OnVolumeMoved(int position) {
 
 void CTonwerkView::OnCalculateCompletionTime() {
     UpdateData(true);
-    const std::string text = m_practiceText.toUpper().toLatin1().toStdString();
-    const double seconds = EstimateSeconds(text, m_wordRate, m_farnsworth);
+    const double seconds = EstimateSeconds(KeyedText().toStdString(), m_wordRate, m_farnsworth);
     m_clock->SetText(QString::fromStdString(FormatCompletionTime(seconds)));
 }
 

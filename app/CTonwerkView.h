@@ -188,6 +188,9 @@ private:
     void EnableSessionControls(bool enable);
     /// The clock in whole seconds since the epoch.
     std::int64_t NowSeconds() const;
+    /// The practice text as the model takes it: ASCII, typographic forms made plain, the rest
+    /// left out; what is converted, estimated, keyed and written.
+    QByteArray KeyedText() const;
 
     void PlayClip(const QString& resource);
     class CReadBackGuard;

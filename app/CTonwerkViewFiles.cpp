@@ -54,7 +54,7 @@ void CTonwerkView::OnGenerateFile() {
 
     // The bar is set up even when nothing is generated.
     CStatusProgress* progress = m_frame ? m_frame->ResetProgress() : nullptr;
-    const QByteArray text = m_practiceText.toLatin1();
+    const QByteArray text = KeyedText();
     if (progress) {
         progress->SetStep(1);
         progress->SetRange(0, static_cast<std::int16_t>(text.size()));

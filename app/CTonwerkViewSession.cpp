@@ -62,7 +62,7 @@ void CTonwerkView::OnListen() {
     }
 
     CStatusProgress* progress = m_frame ? m_frame->ResetProgress() : nullptr;
-    const QByteArray text = m_practiceText.toLatin1();
+    const QByteArray text = KeyedText();
     const std::string_view textView(text.constData(), static_cast<std::size_t>(text.size()));
     m_cursor.Reset(textView);
     if (progress) {

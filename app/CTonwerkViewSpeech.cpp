@@ -4,9 +4,11 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QKeyEvent>
+#include <QPointer>
 #include <QSlider>
 #include <QThread>
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 #include "app/CAppMessageEvent.h"
@@ -30,18 +32,24 @@ constexpr int kClipIdleMs = 3000;
 
 }  // namespace
 
-/// While Read Back holds the user-interface thread, the form takes no input; only Escape is
-/// noticed, and it ends the loop after the letter under way. The messages the sound classes post
-/// meanwhile wait, in order, until the read-back is over.
+/// While Read Back holds the user-interface thread, the form takes no input: only Escape is
+/// noticed, and it ends the loop after the letter under way. Everything else that comes meanwhile
+/// (keys, clicks, a close request, the messages the sound classes post) waits and is handled in
+/// the order it came once the read-back is over.
 class CTonwerkView::CReadBackGuard final : public QObject {
 public:
     explicit CReadBackGuard(CTonwerkView& view) : m_view(view) {
         QCoreApplication::instance()->installEventFilter(this);
     }
     ~CReadBackGuard() override {
+        // What is still waiting to be handled joins the held in the order it came, so nothing
+        // posted during the read-back is handled before what was held before it.
+        QCoreApplication::processEvents();
         QCoreApplication::instance()->removeEventFilter(this);
-        for (const Held& held : m_held) {
-            m_view.NotifyTarget().PostMessage(held.message, held.wParam, held.lParam);
+        for (Held& held : m_held) {
+            if (held.receiver) {
+                QCoreApplication::postEvent(held.receiver, held.event.release());
+            }
         }
     }
     CReadBackGuard(const CReadBackGuard&) = delete;
@@ -55,19 +63,18 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == CAppMessageEvent::EventType() && watched == &m_view) {
-            const auto* message = static_cast<const CAppMessageEvent*>(event);
-            m_held.push_back({message->Message(), message->WParam(), message->LParam()});
-            return true;
-        }
         switch (event->type()) {
             case QEvent::KeyPress:
                 if (static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape) {
                     m_escape = true;
+                    return true;  // Escape belongs to the read-back
                 }
+                break;
+            case QEvent::ShortcutOverride:
+                // Accepted, so a shortcut waits as its key press, which is held below.
+                event->accept();
                 return true;
             case QEvent::KeyRelease:
-            case QEvent::ShortcutOverride:
             case QEvent::Shortcut:
             case QEvent::MouseButtonPress:
             case QEvent::MouseButtonRelease:
@@ -78,18 +85,30 @@ protected:
             case QEvent::TouchBegin:
             case QEvent::TouchUpdate:
             case QEvent::TouchEnd:
-            case QEvent::Close:  // the window stays until the read-back is over
-                return true;
+                break;
+            case QEvent::Close:
+                if (!event->spontaneous()) {
+                    return false;  // a window closed by the program itself, a tooltip say
+                }
+                break;
             default:
-                return false;
+                if (event->type() != CAppMessageEvent::EventType() || watched != &m_view) {
+                    return false;
+                }
+                const auto* message = static_cast<const CAppMessageEvent*>(event);
+                m_held.push_back(
+                    {watched, std::make_unique<CAppMessageEvent>(
+                                  message->Message(), message->WParam(), message->LParam())});
+                return true;
         }
+        m_held.push_back({watched, std::unique_ptr<QEvent>(event->clone())});
+        return true;
     }
 
 private:
     struct Held {
-        unsigned message;
-        std::uintptr_t wParam;
-        std::intptr_t lParam;
+        QPointer<QObject> receiver;
+        std::unique_ptr<QEvent> event;
     };
     CTonwerkView& m_view;
     std::vector<Held> m_held;
@@ -97,9 +116,11 @@ private:
 };
 
 void CTonwerkView::SpeakLetter(const QString& letter) {
-    const QString upper = letter.toUpper();
-    const int id =
-        upper.size() == 1 ? SpeechClipId(m_doc->Settings().GetActor(), upper.at(0).toLatin1()) : 0;
+    // Only the ASCII letters are spoken, upper-cased as everywhere else in the trainer.
+    const bool ascii = letter.size() == 1 && letter.at(0).unicode() < 0x80;
+    const int id = ascii ? SpeechClipId(m_doc->Settings().GetActor(),
+                                        static_cast<char>(letter.at(0).unicode()))
+                         : 0;
     const int wordRate = m_wordRateSlider->value();
     const int delayMs = m_doc->Settings().GetSpeechDelay();
     if (id == 0 || wordRate >= kSpeechBelowWpm ||

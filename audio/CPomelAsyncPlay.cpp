@@ -51,8 +51,13 @@ CPomelAsyncPlay::CPomelAsyncPlay() {
 }
 
 CPomelAsyncPlay::~CPomelAsyncPlay() {
-    if (m_thread) {
-        StopThread();
+    if (m_thread && StopThread() == 0 && m_device != nullptr) {
+        // Still waiting for slots after its wait: the device gives them all back now, and the
+        // thread ends; a thread left running would end the program.
+        WaveOutReset(m_device);
+    }
+    if (m_thread && m_thread->joinable()) {
+        m_thread->join();
     }
     if (m_device != nullptr) {
         WaveOutReset(m_device);
@@ -115,10 +120,16 @@ int CPomelAsyncPlay::AddTone(int frequency, double duration) {
 }
 
 void CPomelAsyncPlay::Submit(CPomelPCM& slot) {
-    if (WaveOutPrepareHeader(m_device, &slot.m_header, sizeof slot.m_header) != kMmNoError ||
-        WaveOutWrite(m_device, &slot.m_header, sizeof slot.m_header) != kMmNoError) {
-        m_open = 0;
+    if (WaveOutPrepareHeader(m_device, &slot.m_header, sizeof slot.m_header) == kMmNoError &&
+        WaveOutWrite(m_device, &slot.m_header, sizeof slot.m_header) == kMmNoError) {
+        slot.m_state = CPomelPCM::kQueued;
+        return;
     }
+    // The device will never give this slot back: its tone is dropped and the slot is free, so
+    // that a stop does not wait for it.
+    WaveOutUnprepareHeader(m_device, &slot.m_header, sizeof slot.m_header);
+    slot.m_state = CPomelPCM::kFree;
+    m_open = 0;
 }
 
 void CPomelAsyncPlay::PlaybackThread() {
@@ -132,7 +143,6 @@ void CPomelAsyncPlay::PlaybackThread() {
             std::lock_guard guard(m_lock);
             Submit(m_slots[i]);
             nothingSent = false;
-            m_slots[i].m_state = CPomelPCM::kQueued;
         }
         while (QueuedCount() == kSlots && m_stop.load() == 0) {
             std::this_thread::sleep_for(kPoll);
@@ -150,7 +160,6 @@ void CPomelAsyncPlay::PlaybackThread() {
                     CPomelPCM& slot = m_slots[m_currentSlot];
                     m_currentSlot = -1;
                     Submit(slot);
-                    slot.m_state = CPomelPCM::kQueued;
                 }
                 // Idle: hold the lock through the pause, so a caller may wait up to half a
                 // second; that is how this player has always behaved.
@@ -162,6 +171,7 @@ void CPomelAsyncPlay::PlaybackThread() {
             std::this_thread::sleep_for(kPoll);
         }
     }
+    // Queued slots come back as they are heard, or all at once when the device is lost.
     while (QueuedCount() > 0) {
         std::this_thread::sleep_for(kPoll);
     }

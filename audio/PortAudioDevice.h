@@ -51,6 +51,12 @@ public:
         m_head.store(next, std::memory_order_release);
         return true;
     }
+    /// Room for this many more items; exact on the producer's thread, a lower bound elsewhere.
+    std::size_t Free() const {
+        const std::size_t head = m_head.load(std::memory_order_relaxed);
+        const std::size_t tail = m_tail.load(std::memory_order_acquire);
+        return (tail + N - head - 1) % N;
+    }
     bool Pop(T& value) {
         const std::size_t tail = m_tail.load(std::memory_order_relaxed);
         if (tail == m_head.load(std::memory_order_acquire)) {
@@ -66,6 +72,21 @@ private:
     std::atomic<std::size_t> m_head{0};
     std::atomic<std::size_t> m_tail{0};
 };
+
+/// Pushes as many whole frames of blockAlign bytes as the ring has room for, never part of one,
+/// so that what is read back stays aligned after an overflow; returns the frames pushed.
+template <std::size_t N>
+std::size_t PushWholeFrames(SpscRing<unsigned char, N>& ring, const unsigned char* bytes,
+                            std::size_t frames, std::size_t blockAlign) {
+    if (blockAlign == 0) {
+        return 0;
+    }
+    const std::size_t taken = std::min(frames, ring.Free() / blockAlign);
+    for (std::size_t i = 0; i < taken * blockAlign; ++i) {
+        ring.Push(bytes[i]);
+    }
+    return taken;
+}
 
 inline std::int64_t NowNs() {
     return WaveClockNs();

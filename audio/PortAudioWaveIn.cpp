@@ -32,13 +32,10 @@ struct WaveInDevice final : DeviceCore {
             return paContinue;
         }
         if (input != nullptr && m_recording.load()) {
-            const auto* bytes = static_cast<const unsigned char*>(input);
-            const std::size_t count = frames * m_format.blockAlign;
-            std::size_t pushed = 0;
-            while (pushed < count && m_ring.Push(bytes[pushed])) {
-                ++pushed;
-            }
-            m_recordedFrames.fetch_add(pushed / m_format.blockAlign, std::memory_order_relaxed);
+            // A full ring drops the rest of the period, whole frames only.
+            const std::size_t pushed = PushWholeFrames(
+                m_ring, static_cast<const unsigned char*>(input), frames, m_format.blockAlign);
+            m_recordedFrames.fetch_add(pushed, std::memory_order_relaxed);
         }
         LeaveCallback();
         return paContinue;

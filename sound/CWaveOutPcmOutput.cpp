@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "sound/CWaveOutPcmOutput.h"
 
+#include <utility>
+
 #include "sound/Player.h"
 
 namespace {
@@ -18,7 +20,7 @@ long CWaveOutPcmOutput::Open() {
     return WaveOutGetNumDevs() == 0 ? Player::kErrNoDriver : Player::kOk;
 }
 
-long CWaveOutPcmOutput::Start(const PcmFormat& format, Fill fill) {
+long CWaveOutPcmOutput::Start(const PcmFormat& format, Fill fill, Lost lost) {
     Stop();
     WaveFormat wave;
     wave.channels = format.channels;
@@ -43,6 +45,7 @@ long CWaveOutPcmOutput::Start(const PcmFormat& format, Fill fill) {
         std::lock_guard lock(m_mutex);
         m_device = device;
         m_fill = std::move(fill);
+        m_lost = std::move(lost);
         m_running = true;
     }
     for (std::size_t i = 0; i < kHeaders; ++i) {
@@ -76,6 +79,7 @@ void CWaveOutPcmOutput::Stop() {
     std::lock_guard lock(m_mutex);
     m_device = nullptr;
     m_fill = nullptr;
+    m_lost = nullptr;
 }
 
 void CWaveOutPcmOutput::Callback(WaveOutHandle, unsigned message, std::uintptr_t instance,
@@ -91,5 +95,9 @@ void CWaveOutPcmOutput::Refill(WaveHeader* header) {
         return;
     }
     m_fill(reinterpret_cast<std::byte*>(header->data), header->bufferLength);
-    WaveOutWrite(m_device, header, kHeaderSize);
+    if (WaveOutWrite(m_device, header, kHeaderSize) != kMmNoError && m_lost) {
+        // The device is gone and will not ask again: told once.
+        const Lost lost = std::exchange(m_lost, nullptr);
+        lost();
+    }
 }

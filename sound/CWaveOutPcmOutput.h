@@ -19,7 +19,7 @@ public:
     CWaveOutPcmOutput& operator=(const CWaveOutPcmOutput&) = delete;
 
     long Open() override;
-    long Start(const PcmFormat& format, Fill fill) override;
+    long Start(const PcmFormat& format, Fill fill, Lost lost) override;
     void Stop() override;
 
 private:
@@ -33,6 +33,7 @@ private:
     std::mutex m_mutex;  ///< guards the fill function against a concurrent Stop
     bool m_running = false;
     Fill m_fill;
+    Lost m_lost;
     WaveOutHandle m_device = nullptr;
     std::array<WaveHeader, kHeaders> m_headers;
     std::array<std::vector<char>, kHeaders> m_data;

@@ -14,17 +14,20 @@ struct PcmFormat {
 };
 
 /// A default output device that pulls its samples: once started it calls fill from its own
-/// thread whenever it wants more bytes, until stopped. The player keeps its buffer, play cursor
-/// and notifications in standard C++ and needs only this from the audio layer.
+/// thread whenever it wants more bytes, until stopped, or calls lost once, from the same thread,
+/// when the device has gone (unplugged, its server ended) and will pull no more. The player keeps
+/// its buffer, play cursor and notifications in standard C++ and needs only this from the audio
+/// layer.
 class IPcmOutput {
 public:
     using Fill = std::function<void(std::byte* out, std::size_t bytes)>;
+    using Lost = std::function<void()>;
 
     virtual ~IPcmOutput() = default;
     /// Opens the default output; 0 on success, else a player result code.
     virtual long Open() = 0;
     /// Starts pulling in the format; 0 on success, else a player result code.
-    virtual long Start(const PcmFormat& format, Fill fill) = 0;
-    /// Stops pulling; fill is not called any more once this returns.
+    virtual long Start(const PcmFormat& format, Fill fill, Lost lost) = 0;
+    /// Stops pulling; neither fill nor lost is called any more once this returns.
     virtual void Stop() = 0;
 };

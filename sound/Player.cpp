@@ -29,6 +29,9 @@ long Player::Play(int loop) {
         if (m_buffer.empty()) {
             return kErrInvalidCall;
         }
+        if (m_lost) {
+            return kErrBufferLost;
+        }
         if (m_playing) {
             return kOk;
         }
@@ -42,7 +45,8 @@ long Player::Play(int loop) {
             return kErrUninitialized;
         }
         const long result = m_output.Start(
-            m_format, [this](std::byte* out, std::size_t bytes) { Fill(out, bytes); });
+            m_format, [this](std::byte* out, std::size_t bytes) { Fill(out, bytes); },
+            [this] { OnLost(); });
         if (result != kOk) {
             std::lock_guard lock(m_bufferMutex);
             m_playing = false;
@@ -77,6 +81,7 @@ bool Player::CreateBuffer(std::uint16_t channels, std::uint32_t samplesPerSec,
     m_buffer.assign(bytes, std::byte{0});
     m_cursor = 0;
     m_playing = false;
+    m_lost = false;
     m_positions.clear();
     return true;
 }
@@ -134,6 +139,17 @@ void Player::ClearListener() {
 bool Player::IsPlaying() const {
     std::lock_guard lock(m_bufferMutex);
     return m_playing;
+}
+
+long Player::Status() const {
+    std::lock_guard lock(m_bufferMutex);
+    return m_lost ? kErrBufferLost : kOk;
+}
+
+void Player::OnLost() {
+    std::lock_guard lock(m_bufferMutex);
+    m_lost = true;
+    m_playing = false;
 }
 
 std::uint32_t Player::PlayCursor() const {

@@ -24,6 +24,7 @@ public:
     static constexpr long kErrInvalidParam = 0x80070057;
     static constexpr long kErrNoDriver = 0x88780078;
     static constexpr long kErrUninitialized = 0x887800AA;
+    static constexpr long kErrBufferLost = 0x88780096;
 
     /// Flags CreateBuffer always adds: position notification and sticky focus.
     static constexpr std::uint32_t kAlwaysFlags = 0x4100;
@@ -34,7 +35,8 @@ public:
     Player& operator=(const Player&) = delete;
 
     long Open() override;
-    /// Plays from the play cursor; a buffer already playing goes on as it is.
+    /// Plays from the play cursor; a buffer already playing goes on as it is. Once the device
+    /// is lost, kErrBufferLost until CreateBuffer makes a new buffer.
     long Play(int loop) override;
     long Stop() override;
     bool CreateBuffer(std::uint16_t channels, std::uint32_t samplesPerSec,
@@ -50,7 +52,10 @@ public:
 
     void SetOwnerWindow(INotifyTarget* owner) { m_owner = owner; }
 
+    /// False once the buffer has played out, was stopped, or its device was lost.
     bool IsPlaying() const;
+    /// kOk, or kErrBufferLost once the device went away under the buffer.
+    long Status() const;
     std::uint32_t PlayCursor() const;
     std::uint32_t BufferFlags() const { return m_flags; }
     std::uint32_t AvgBytesPerSec() const { return m_avgBytesPerSec; }
@@ -60,6 +65,7 @@ public:
 
 private:
     void Fill(std::byte* out, std::size_t bytes);
+    void OnLost();
     void NotificationThread();
     void EndNotificationThread();
     void Signal(std::size_t event);
@@ -77,6 +83,7 @@ private:
     std::size_t m_cursor = 0;
     bool m_playing = false;
     bool m_looping = false;
+    bool m_lost = false;
     std::vector<std::uint32_t> m_positions;
 
     std::mutex m_eventMutex;  ///< one auto-reset flag per position, then the stop event

@@ -8,12 +8,17 @@
 #include <QLabel>
 #include <QMimeData>
 #include <QSlider>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QToolTip>
 #include <QUrl>
 
 #include "AppTestFixture.h"
 #include "app/CAboutDlg.h"
 #include "app/CAppMessageEvent.h"
+#include "app/CLockIndicators.h"
 #include "app/CPropSheet.h"
+#include "app/CTonwerkApp.h"
 #include "widgets/CStatusProgress.h"
 
 #include <thread>
@@ -117,37 +122,65 @@ private slots:
         QTest::addColumn<int>("command");
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("prompt");
+        QTest::addColumn<QString>("tip");  // on the toolbar; none where the prompt has none
         QTest::newRow("new") << int(CMainFrame::kFileNew) << "&New\tCtrl+N"
-                             << "Create a new document";
+                             << "Create a new document"
+                             << "New";
         QTest::newRow("open") << int(CMainFrame::kFileOpen) << "&Open...\tCtrl+O"
-                              << "Open an existing document";
+                              << "Open an existing document"
+                              << "Open";
         QTest::newRow("save as") << int(CMainFrame::kFileSaveAs) << "Save &As..."
-                                 << "Save the active document with a new name";
+                                 << "Save the active document with a new name"
+                                 << "Save As";
         QTest::newRow("config") << int(CMainFrame::kConfig) << "C&onfig"
-                                << "Edit Config";
+                                << "Edit Config"
+                                << "";
         QTest::newRow("volume") << int(CMainFrame::kVolumeControl) << "Volume Control"
-                                << "Launch the volume control utility";
+                                << "Launch the volume control utility"
+                                << "";
         QTest::newRow("estimate")
             << int(CMainFrame::kCompletionTime) << "&Calculate Completion Time\tCtrl+T"
             << "Run the estimation tool to get exercise completion time\\Calculate Time to "
-               "Complete";
+               "Complete"
+            << "";
         QTest::newRow("call signs") << int(CMainFrame::kCallSigns) << "&US Call Signs"
-                                    << "Random US Calls Signs";
+                                    << "Random US Calls Signs"
+                                    << "";
         QTest::newRow("read back") << int(CMainFrame::kReadBack) << "Read &Back\tCtrl+B"
-                                   << "Read the Letters back to me for checking my answers";
+                                   << "Read the Letters back to me for checking my answers"
+                                   << "";
+        QTest::newRow("generate file") << int(CMainFrame::kGenerateFile) << "&Generate File"
+                                       << ""
+                                       << "";
         QTest::newRow("about") << int(CMainFrame::kAppAbout) << "&About Tonwerk..."
-                               << "Display program information, version number and copyright";
+                               << "Display program information, version number and copyright"
+                               << "About";
     }
 
     void commandsCarryTheirTextsAndPrompts() {
         QFETCH(int, command);
         QFETCH(QString, text);
         QFETCH(QString, prompt);
+        QFETCH(QString, tip);
         NewFrame();
         QAction* action = Frame().Action(command);
         QVERIFY(action);
         QCOMPARE(action->text(), text);
         QCOMPARE(action->statusTip(), prompt);
+
+        QWidget* button = Frame().findChild<QToolBar*>("ToolBar")->widgetForAction(action);
+        if (!button) {
+            return;  // a menu command only
+        }
+        Frame().show();
+        QVERIFY(QTest::qWaitForWindowExposed(&Frame()));
+        QToolTip::hideText();
+        QTRY_VERIFY(!QToolTip::isVisible());
+        const QPoint inside = button->rect().center();
+        QHelpEvent hover(QEvent::ToolTip, inside, button->mapToGlobal(inside));
+        QApplication::sendEvent(button, &hover);
+        QCOMPARE(QToolTip::isVisible() ? QToolTip::text() : QString(), tip);
+        QToolTip::hideText();
     }
 
     void statusBarHasItsPanes() {
@@ -161,6 +194,56 @@ private slots:
         CStatusProgress* second = frame.ResetProgress();
         QVERIFY(second && second == frame.Progress());
         QCOMPARE(frame.findChildren<CStatusProgress*>().size(), 1);
+    }
+
+    void lockPanesFollowTheKeyboard_data() {
+        QTest::addColumn<bool>("told");  // does the window system tell the state?
+        QTest::addColumn<bool>("caps");
+        QTest::addColumn<bool>("num");
+        QTest::addColumn<bool>("scroll");
+        QTest::newRow("caps") << true << true << false << false;
+        QTest::newRow("num and scroll") << true << false << true << true;
+        QTest::newRow("not told") << false << true << true << true;
+    }
+
+    void lockPanesFollowTheKeyboard() {
+        QFETCH(bool, told);
+        QFETCH(bool, caps);
+        QFETCH(bool, num);
+        QFETCH(bool, scroll);
+        CMainFrame& frame = NewFrame();
+        frame.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&frame));
+        auto lit = [&frame](const char* pane) {
+            return frame.findChild<QLabel*>(QString::fromLatin1(pane))->isEnabled();
+        };
+        // Without a window system that tells (the test's), every pane is grey.
+        QVERIFY(!lit("paneCAP") && !lit("paneNUM") && !lit("paneSCRL"));
+        CLockIndicators::State state;
+        auto* indicators = frame.findChild<CLockIndicators*>();
+        indicators->SetReader([&]() -> std::optional<CLockIndicators::State> {
+            return told ? std::optional(state) : std::nullopt;
+        });
+        // The state is read again after a key, as the lock key's own press changes it.
+        state = {caps, num, scroll};
+        QTest::keyClick(frame.windowHandle(), Qt::Key_CapsLock);
+        QCOMPARE(lit("paneCAP"), told && caps);
+        QCOMPARE(lit("paneNUM"), told && num);
+        QCOMPARE(lit("paneSCRL"), told && scroll);
+        state = {};
+        QTest::keyClick(frame.windowHandle(), Qt::Key_CapsLock);
+        QVERIFY(!lit("paneCAP") && !lit("paneNUM") && !lit("paneSCRL"));
+    }
+
+    void statusBarVisibilityIsRemembered() {
+        NewFrame().Action(CMainFrame::kViewStatusBar)->trigger();
+        QVERIFY(Frame().statusBar()->isHidden());
+        NewFrame();
+        QVERIFY(Frame().statusBar()->isHidden());
+        QVERIFY(!Frame().Action(CMainFrame::kViewStatusBar)->isChecked());
+        Frame().Action(CMainFrame::kViewStatusBar)->trigger();
+        NewFrame();
+        QVERIFY(!Frame().statusBar()->isHidden());
     }
 
     void titleFollowsTheDocument() {
@@ -198,6 +281,44 @@ private slots:
         QCOMPARE(frame.windowTitle(), QStringLiteral("dropped.code - Tonwerk"));
         QVERIFY(frame.close());
         QVERIFY(!Profile().GetString("TonwerkApp", "BarState", "").empty());
+    }
+
+    void aCommandLineDocumentThatCannotBeOpenedEndsStartUp_data() {
+        QTest::addColumn<QByteArray>("bytes");  // empty: no file at all
+        QTest::addColumn<bool>("opened");
+        QTest::newRow("missing") << QByteArray() << false;
+        QTest::newRow("not a practice file") << QByteArray(
+                                                    "\x05"
+                                                    "K")
+                                             << false;
+        QTest::newRow("practice file") << QByteArray(
+                                              "\x01"
+                                              "K"
+                                              "\x04"
+                                              " -.-",
+                                              7)
+                                       << true;
+    }
+
+    void aCommandLineDocumentThatCannotBeOpenedEndsStartUp() {
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, opened);
+        const QString path = TempPath(QStringLiteral("%1.code").arg(QTest::currentDataTag()));
+        if (!bytes.isEmpty()) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(bytes);
+        }
+        CMainFrame& frame = NewFrame();
+        QCOMPARE(CTonwerkApp::OpenCommandLineDocument(frame, path), opened);
+        // Start-up ends after the message; an opened file is shown without one.
+        QCOMPARE(CModalSeam::Messages().size(), opened ? 0 : 1);
+        if (opened) {
+            QCOMPARE(View().PracticeText(), QStringLiteral("K"));
+        } else {
+            QVERIFY(CModalSeam::Messages().constFirst().startsWith(
+                        QStringLiteral("Cannot open %1").arg(path)) == bytes.isEmpty());
+        }
     }
 
     void closingAModifiedDocumentAsksAndCancelKeepsTheWindow() {

@@ -143,6 +143,36 @@ private slots:
         QCOMPARE(Stored("Settings", "RandomWordCount"), -1);
     }
 
+    void theStoredWordCountAndSizeComeBack_data() {
+        QTest::addColumn<int>("storedCount");
+        QTest::addColumn<int>("storedSize");
+        QTest::addColumn<int>("count");
+        QTest::addColumn<int>("size");
+        QTest::newRow("kept") << 7 << 3 << 7 << 3;
+        QTest::newRow("count 0") << 0 << 3 << 20 << 3;
+        QTest::newRow("count 10001") << 10001 << 4 << 20 << 4;
+        QTest::newRow("size -2") << 12 << -2 << 12 << 5;
+    }
+
+    void theStoredWordCountAndSizeComeBack() {
+        QFETCH(int, storedCount);
+        QFETCH(int, storedSize);
+        QFETCH(int, count);
+        QFETCH(int, size);
+        Profile().WriteInt("Settings", "RandomWordCount", storedCount);
+        Profile().WriteInt("Settings", "RandomWordSize", storedSize);
+        NewFrame();
+        // Values the form would refuse fall back quietly: start-up never opens on an error.
+        QVERIFY(CModalSeam::Messages().isEmpty());
+        QCOMPARE(Control<QLineEdit>(1041)->text(), QString::number(count));
+        QCOMPARE(Control<QLineEdit>(1043)->text(), QString::number(size));
+        Trigger(CMainFrame::kAllOn);
+        Control<CImageButton>(1009)->click();
+        QCOMPARE(PracticeText().split(QLatin1Char(' '), Qt::SkipEmptyParts).size(), count);
+        QCOMPARE(Stored("Settings", "RandomWordCount"), count);
+        QCOMPARE(Stored("Settings", "RandomWordSize"), size);
+    }
+
     void allOnAndAllOffSetEveryButtonAndBothToggles() {
         Trigger(CMainFrame::kAllOn);
         QCOMPARE(Checked().size(), 58);

@@ -168,7 +168,11 @@ private slots:
         Prepare(QString(), 12);
         std::int64_t now = 1'000'000;
         View().SetTimeSource([&now] { return now; });
+        // The Farnsworth factor typed into the form is stored as the session starts.
+        Control<QLineEdit>(1050)->setText(QStringLiteral("7"));
+        QCOMPARE(Profile().GetInt("Settings", "FarnsworthFactor", -1), -1);
         Listen()->click();
+        QCOMPARE(Profile().GetInt("Settings", "FarnsworthFactor", -1), 7);
         QCOMPARE(Listen()->text(), QStringLiteral("&Stop"));
         now += 3;
         QTRY_COMPARE_WITH_TIMEOUT(ClockText(), QStringLiteral("00:00:03"), 2500);

@@ -9,6 +9,7 @@
 #include <QSlider>
 #include <QTextEdit>
 #include <QTimer>
+#include <QWindow>
 #include <vector>
 
 #include "../audio/SinkRecorder.h"
@@ -216,21 +217,41 @@ private slots:
         Frame().hide();
     }
 
-    void postedMessagesWaitForTheReadBack() {
+    void inputAndPostedMessagesWaitForTheReadBack() {
         Prepare(QStringLiteral("AB"));
+        Frame().show();
+        QVERIFY(QTest::qWaitForWindowActive(&Frame()));
+        auto* practice = Control<QTextEdit>(1002);
+        practice->setFocus();
+        practice->moveCursor(QTextCursor::End);
+        QTRY_VERIFY(practice->hasFocus());
+        auto* mute = Control<QCheckBox>(1051);
         std::vector<unsigned> delivered;
         const QMetaObject::Connection connection =
             connect(&View(), &CTonwerkView::AppMessage, this,
                     [&delivered](unsigned message) { delivered.push_back(message - kAppMessage); });
-        QTimer::singleShot(300, this, [this] {
+        // While the first letter is said: a message, a key, a click on Mute, a message, and the
+        // window system asking to close the window, each the way it comes in use.
+        QTimer::singleShot(300, this, [this, mute] {
             View().NotifyTarget().PostMessage(kAppMessage + 4, 1, 1);
+            QTest::keyClick(Frame().windowHandle(), Qt::Key_X);
+            QTest::mouseClick(Frame().windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                              mute->mapTo(&Frame(), mute->rect().center()));
             View().NotifyTarget().PostMessage(kAppMessage + 3, 1, 1);
+            Frame().windowHandle()->close();
         });
+        CModalSeam::QueueButton(QMessageBox::No);  // "Save Changes?" as the window closes
         ReadBack();
         QCOMPARE(SaidResources().size(), 2);
         QVERIFY(delivered.empty());
-        // Handled afterwards, in the order they were posted.
+        QCOMPARE(practice->toPlainText(), QStringLiteral("AB"));
+        QVERIFY(Frame().isVisible());
+        // Handled afterwards, in the order they came.
         QTRY_COMPARE(delivered, (std::vector<unsigned>{4, 3}));
+        QTRY_VERIFY(!Frame().isVisible());
+        QCOMPARE(practice->toPlainText(), QStringLiteral("ABx"));
+        QVERIFY(mute->isChecked());
+        QCOMPARE(CModalSeam::Messages(), QStringList{QStringLiteral("Save Changes?")});
         disconnect(connection);
     }
 

@@ -198,7 +198,45 @@ private slots:
         Click(1007);
         QVERIFY(CModalSeam::Messages().isEmpty());
         QCOMPARE(Code()->toPlainText(), QStringLiteral(" ."));
-        QCOMPARE(Profile().GetInt("Settings", "FarnsworthFactor", -1), 99);
+        // Read, not stored: the factor is stored when Listen starts a session.
+        QCOMPARE(Profile().GetInt("Settings", "FarnsworthFactor", -1), -1);
+    }
+
+    void numericFieldsTakeDigitsOnly_data() {
+        QTest::addColumn<int>("id");
+        QTest::newRow("word count") << 1041;
+        QTest::newRow("word size") << 1043;
+        QTest::newRow("farnsworth") << 1050;
+    }
+
+    void numericFieldsTakeDigitsOnly() {
+        QFETCH(int, id);
+        auto* field = Control<QLineEdit>(id);
+        field->clear();
+        QTest::keyClicks(field, "-1a 2.5");
+        QCOMPARE(field->text(), QStringLiteral("125"));
+    }
+
+    void typographicFormsAreKeyedAsTheirPlainCharacters_data() {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("plain");
+        QTest::newRow("quotes") << QString::fromUtf8("It\u2019s \u201COK\u201D") << "It's \"OK\"";
+        QTest::newRow("dash and ellipsis") << QString::fromUtf8("A \u2013 B\u2026") << "A - B...";
+        QTest::newRow("no code") << QString::fromUtf8("5 \u20AC \u00DF\uFB01") << "5  ";
+    }
+
+    void typographicFormsAreKeyedAsTheirPlainCharacters() {
+        QFETCH(QString, typed);
+        QFETCH(QString, plain);
+        Practice()->setPlainText(plain);
+        Click(1007);
+        const QString code = Code()->toPlainText();
+        const QString clock = Control<CClockDisplay>(1040)->Text();
+        Practice()->setPlainText(typed);
+        Click(1007);
+        // Neither a "?" in the code nor a letter in the estimate that the run would not key.
+        QCOMPARE(Code()->toPlainText(), code);
+        QCOMPARE(Control<CClockDisplay>(1040)->Text(), clock);
     }
 
     void toolTipTexts_data() {

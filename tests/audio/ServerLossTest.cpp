@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The sound server dies while a tone plays and comes back later.
+#include "audio/CPomelAsyncPlay.h"
 #include "audio/CPomelSyncPlay.h"
 #include "audio/CWaveIn.h"
+#include "sound/CWaveOutPcmOutput.h"
+#include "sound/Player.h"
 
 #include "RecordingTarget.h"
 
@@ -13,6 +16,7 @@
 #include <fstream>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -79,6 +83,47 @@ TEST(ServerLoss, CallsReturnWhenTheServerDiesAndOpenWorksAfterItIsBack) {
     EXPECT_EQ(fresh.PlayTone(600.0, 0.1), 1);
     fresh.CloseDevice();
     EXPECT_EQ(fresh.GetLastResult(), kMmNoError);
+}
+
+TEST(ServerLoss, AQueuedPlayerWhoseWritesFailStopsAndIsDestroyed) {
+    const auto start = Clock::now();
+    {
+        CPomelAsyncPlay player;
+        ASSERT_TRUE(player.IsOpen());
+        ASSERT_EQ(player.AddTone(600, 0.5), 1);
+        std::this_thread::sleep_for(200ms);
+        KillServer();
+        // Tones keep coming until the player finds its writes failing.
+        for (int i = 0; i < 400 && player.IsOpen(); ++i) {
+            player.AddTone(600, 0.5);
+            std::this_thread::sleep_for(10ms);
+        }
+        EXPECT_FALSE(player.IsOpen());
+        EXPECT_EQ(player.StopThreadWait(), 0u);
+    }
+    EXPECT_LT(Clock::now() - start, 10s) << "not the 60 s wait for slots that never return";
+    RestartServer();
+}
+
+TEST(ServerLoss, ABufferPlayerTellsThatItsDeviceWentAway) {
+    CWaveOutPcmOutput output;
+    Player player(output);
+    ASSERT_EQ(player.Open(), Player::kOk);
+    ASSERT_TRUE(player.CreateBuffer(1, 48000, 16, 2, 9600, 0));
+    const std::vector<std::int16_t> tone(4800, 8000);
+    player.Write(0, tone.data(), 9600);
+    ASSERT_EQ(player.Play(1), Player::kOk);
+    std::this_thread::sleep_for(300ms);
+    ASSERT_TRUE(player.IsPlaying());
+    KillServer();
+    const auto start = Clock::now();
+    while (player.IsPlaying() && Clock::now() - start < 3s) {
+        std::this_thread::sleep_for(10ms);
+    }
+    EXPECT_FALSE(player.IsPlaying());
+    EXPECT_EQ(player.Status(), Player::kErrBufferLost);
+    EXPECT_EQ(player.Play(1), Player::kErrBufferLost);
+    RestartServer();
 }
 
 TEST(ServerLoss, RecorderStopsWhenTheServerDies) {

@@ -4,6 +4,7 @@
 #include "audio/CWaveBuffer.h"
 #include "audio/INotifyTarget.h"
 #include "audio/MidiAudio.h"
+#include "audio/PortAudioDevice.h"
 #include "audio/WaveAudio.h"
 
 #include <gtest/gtest.h>
@@ -169,6 +170,39 @@ TEST(PomelPCM, SlotStartsFreeAndFillsItsTone) {
     EXPECT_EQ(slot.m_duration, 0.0);
     slot.m_duration = 1.0;
     EXPECT_EQ(slot.FillTone(), 0);  // more than the buffer holds
+}
+
+// The recorder's ring, full while the layer thread lags: what does not fit is dropped a whole
+// frame at a time, so the recording read back never slips by part of a sample.
+TEST(RecorderRing, AnOverflowDropsWholeFramesOnly) {
+    struct Case {
+        std::size_t blockAlign;
+        std::size_t framesOffered;
+        std::size_t framesTaken;  // the ring holds 15 bytes
+    };
+    const Case cases[] = {{2, 5, 5}, {2, 9, 7}, {4, 4, 3}, {3, 6, 5}, {1, 20, 15}};
+    for (const Case& c : cases) {
+        portaudio_backend::SpscRing<unsigned char, 16> ring;
+        std::vector<unsigned char> frames(c.framesOffered * c.blockAlign);
+        for (std::size_t i = 0; i < frames.size(); ++i) {
+            frames[i] = static_cast<unsigned char>(i);
+        }
+        EXPECT_EQ(
+            portaudio_backend::PushWholeFrames(ring, frames.data(), c.framesOffered, c.blockAlign),
+            c.framesTaken)
+            << c.blockAlign << " x " << c.framesOffered;
+        // Full now: the next period is dropped whole, and what was taken reads back in order.
+        EXPECT_EQ(portaudio_backend::PushWholeFrames(ring, frames.data(), 1, c.blockAlign),
+                  c.framesTaken < c.framesOffered ? 0u : 1u);
+        unsigned char byte = 0;
+        std::size_t read = 0;
+        while (ring.Pop(byte)) {
+            const std::size_t taken = c.framesTaken * c.blockAlign;
+            EXPECT_EQ(static_cast<std::size_t>(byte), read < taken ? read : read - taken);
+            ++read;
+        }
+        EXPECT_EQ(read % c.blockAlign, 0u);
+    }
 }
 
 TEST(RegisteredMessages, SameNameSameNumberAcrossThreads) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <utility>
 
 #include "model/CodePatterns.h"
 #include "model/CodeTiming.h"
@@ -14,6 +15,23 @@ TEST(DitSeconds, IsTwelveOverTenWpmInSinglePrecision) {
     EXPECT_EQ(DitSeconds(15), 0.08f);
     EXPECT_EQ(DitSeconds(5), 0.24f);
     EXPECT_EQ(DitSeconds(12), 0.1f);
+}
+
+TEST(PlainPracticeText, KeepsAsciiAndGivesTypographicFormsTheirCodeCharacters) {
+    const std::pair<std::string_view, std::string_view> cases[] = {
+        {"It's 5 o'clock", "It's 5 o'clock"},
+        {"It\u2019s \u201COK\u201D \u2018so\u2019", "It's \"OK\" 'so'"},
+        {"\u201Ehalb\u201C \u00ABganz\u00BB", "\"halb\" \"ganz\""},
+        {"A \u2013 B \u2014 C\u2212D", "A - B - C-D"},
+        {"wait\u2026", "wait..."},
+        {"5\u00A0\u20AC", "5 "},
+        // Everything else beyond ASCII is left out, as the code has nothing for it.
+        {"Stra\u00DFe caf\u00E9 \uFB01", "Strae caf "},
+        {"\xE2\x80 A\xFF\xC3", " A"},  // malformed bytes vanish too
+    };
+    for (const auto& [text, plain] : cases) {
+        EXPECT_EQ(PlainPracticeText(text), plain) << text;
+    }
 }
 
 TEST(CountUnits, CountsAsTheGeneratorsSpendTime) {

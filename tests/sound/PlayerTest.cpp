@@ -22,13 +22,24 @@ namespace {
 class ManualOutput : public IPcmOutput {
 public:
     long Open() override { return openResult; }
-    long Start(const PcmFormat& f, Fill fill) override {
+    long Start(const PcmFormat& f, Fill fill, Lost lost) override {
         ++starts;
         format = f;
         m_fill = std::move(fill);
+        m_lost = std::move(lost);
         return 0;
     }
-    void Stop() override { m_fill = nullptr; }
+    void Stop() override {
+        m_fill = nullptr;
+        m_lost = nullptr;
+    }
+    /// The device goes away, as an unplugged card or an ended sound server does.
+    void Lose() {
+        if (m_lost) {
+            m_lost();
+        }
+        m_fill = nullptr;
+    }
 
     std::vector<std::byte> Pull(std::size_t bytes) {
         std::vector<std::byte> out(bytes, std::byte{0xEE});
@@ -44,6 +55,7 @@ public:
 
 private:
     Fill m_fill;
+    Lost m_lost;
 };
 
 class RecordingListener : public IPlayerListener {
@@ -132,6 +144,22 @@ TEST_F(PlayerTest, LoopsUntilStoppedAndPlayOnAPlayingBufferChangesNothing) {
     // Play resumes from where it stopped.
     m_player.Play(0);
     EXPECT_EQ(m_output.Pull(5), Ramp(5, 30));
+}
+
+TEST_F(PlayerTest, ALostDeviceEndsPlayingWithItsResultUntilANewBuffer) {
+    ASSERT_EQ(m_player.Play(1), Player::kOk);
+    EXPECT_EQ(m_player.Status(), Player::kOk);
+    m_output.Lose();
+    EXPECT_FALSE(m_player.IsPlaying());
+    EXPECT_EQ(m_player.Status(), Player::kErrBufferLost);
+    EXPECT_EQ(m_player.Play(1), Player::kErrBufferLost);
+    EXPECT_FALSE(m_player.IsPlaying());
+    // A new buffer starts the device again.
+    ASSERT_TRUE(m_player.CreateBuffer(1, 8000, 8, 1, 100, 0));
+    EXPECT_EQ(m_player.Status(), Player::kOk);
+    EXPECT_EQ(m_player.Play(0), Player::kOk);
+    EXPECT_EQ(m_output.starts, 2);
+    EXPECT_TRUE(m_player.IsPlaying());
 }
 
 TEST_F(PlayerTest, WritePastTheEndIsNotWrappedToTheStart) {
