@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "training/CCopyScorer.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+namespace {
+
+// The band starts this many diagonals either side of the lengths' difference and doubles while
+// the result may still be bettered outside it.
+constexpr std::ptrdiff_t kFirstBand = 32;
+// No more cells than this (one byte each for the way back): about 50 ms of work at most.
+constexpr std::size_t kMaxCells = std::size_t{16} << 20;
+// However long the texts, the copy is aligned against at least this much more or less text.
+constexpr std::size_t kMinSlack = 256;
+constexpr int kImpossible = 1 << 29;
+
+enum Step : std::uint8_t { kNone, kDiagonal, kMissed, kExtra };
+
+bool IsBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\v' || c == '\f';
+}
+
+int SubstitutionCost(char sent, char copied) {
+    if (sent == copied) {
+        return 0;
+    }
+    // A letter is never taken for a word break: such a pair is a missed and an extra one.
+    return (sent == ' ') != (copied == ' ') ? kImpossible : 1;
+}
+
+std::size_t Difference(std::size_t a, std::size_t b) {
+    return a > b ? a - b : b - a;
+}
+
+/// The alignment of sent against copied within the diagonals first..last (j - i), as steps from
+/// the start; returns its cost.
+int AlignInBand(std::string_view sent, std::string_view copied, std::ptrdiff_t first,
+                std::ptrdiff_t last, std::vector<Step>& steps) {
+    const auto rows = static_cast<std::ptrdiff_t>(sent.size());
+    const auto columns = static_cast<std::ptrdiff_t>(copied.size());
+    const std::ptrdiff_t width = last - first + 1;
+    std::vector<int> previous(static_cast<std::size_t>(width), kImpossible);
+    std::vector<int> current(static_cast<std::size_t>(width), kImpossible);
+    std::vector<Step> way(static_cast<std::size_t>((rows + 1) * width), kNone);
+    auto wayAt = [&](std::ptrdiff_t i, std::ptrdiff_t d) -> Step& {
+        return way[static_cast<std::size_t>(i * width + (d - first))];
+    };
+
+    for (std::ptrdiff_t d = std::max<std::ptrdiff_t>(first, 0); d <= std::min(last, columns); ++d) {
+        previous[static_cast<std::size_t>(d - first)] = static_cast<int>(d);
+        wayAt(0, d) = d > 0 ? kExtra : kNone;
+    }
+    for (std::ptrdiff_t i = 1; i <= rows; ++i) {
+        for (std::ptrdiff_t d = first; d <= last; ++d) {
+            const std::ptrdiff_t j = i + d;
+            const auto at = static_cast<std::size_t>(d - first);
+            int best = kImpossible;
+            Step step = kNone;
+            if (j >= 0 && j <= columns) {
+                if (j > 0) {
+                    best = previous[at] + SubstitutionCost(sent[i - 1], copied[j - 1]);
+                    step = kDiagonal;
+                }
+                if (d < last && previous[at + 1] + 1 < best) {
+                    best = previous[at + 1] + 1;
+                    step = kMissed;
+                }
+                if (j > 0 && d > first && current[at - 1] + 1 < best) {
+                    best = current[at - 1] + 1;
+                    step = kExtra;
+                }
+            }
+            current[at] = std::min(best, kImpossible);
+            wayAt(i, d) = step;
+        }
+        std::swap(previous, current);
+    }
+
+    steps.clear();
+    std::ptrdiff_t i = rows;
+    std::ptrdiff_t d = columns - rows;
+    const int cost = previous[static_cast<std::size_t>(d - first)];
+    while (i > 0 || i + d > 0) {
+        const Step step = wayAt(i, d);
+        steps.push_back(step);
+        if (step == kDiagonal) {
+            --i;
+        } else if (step == kMissed) {
+            --i;
+            ++d;
+        } else {
+            --d;
+        }
+    }
+    std::ranges::reverse(steps);
+    return cost;
+}
+
+void Tally(CopyScore& score, CopyMark mark, char sent, char copied) {
+    score.cells.push_back({mark, sent, copied});
+    if (mark == CopyMark::Extra) {
+        score.extra += copied != ' ' ? 1 : 0;
+        return;
+    }
+    if (sent == ' ') {
+        return;
+    }
+    ++score.sentCount;
+    CharacterTally& tally = score.characters[sent];
+    ++tally.sent;
+    switch (mark) {
+        case CopyMark::Correct:
+            ++score.correct;
+            ++tally.correct;
+            break;
+        case CopyMark::Wrong:
+            ++score.wrong;
+            ++score.confusions[{sent, copied}];
+            break;
+        case CopyMark::Missed:
+        case CopyMark::Extra:
+            ++score.missed;
+            break;
+    }
+}
+
+}  // namespace
+
+std::string CCopyScorer::Normalize(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    bool pendingBlank = false;
+    for (const char c : text) {
+        if (IsBlank(c)) {
+            pendingBlank = !result.empty();
+            continue;
+        }
+        if (pendingBlank) {
+            result += ' ';
+            pendingBlank = false;
+        }
+        result += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    }
+    return result;
+}
+
+CopyScore CCopyScorer::Score(std::string_view sentText, std::string_view copiedText) {
+    const std::string sent = Normalize(sentText);
+    const std::string copied = Normalize(copiedText);
+    const std::size_t n = sent.size();
+    const std::size_t m = copied.size();
+
+    // Far more of one text than of the other: only a slack beyond the shorter one is aligned,
+    // the rest is missed or extra outright, so a runaway copy costs no more than a long one.
+    auto alignedSizes = [&](std::size_t slack) {
+        const std::size_t rows = std::min(n, m + slack);
+        return std::pair{rows, std::min(m, rows + slack)};
+    };
+    auto cells = [&](std::pair<std::size_t, std::size_t> sizes, std::size_t band) {
+        return (sizes.first + 1) * (Difference(sizes.first, sizes.second) + 2 * band + 1);
+    };
+    std::size_t slack = std::max(n, m);
+    while (slack > kMinSlack && cells(alignedSizes(slack), kFirstBand) > kMaxCells) {
+        slack /= 2;
+    }
+    const auto [rows, columns] = alignedSizes(slack);
+    const std::string_view head(sent.data(), rows);
+    const std::string_view copiedHead(copied.data(), columns);
+
+    // Widen the band until no path leaving it could cost less than the one found in it: leaving
+    // takes at least the lengths' difference plus twice the band in insertions and deletions.
+    const auto difference =
+        static_cast<std::ptrdiff_t>(columns) - static_cast<std::ptrdiff_t>(rows);
+    std::vector<Step> steps;
+    for (std::size_t band = kFirstBand;; band *= 2) {
+        const auto half = static_cast<std::ptrdiff_t>(band);
+        const int cost =
+            AlignInBand(head, copiedHead, std::min<std::ptrdiff_t>(0, difference) - half,
+                        std::max<std::ptrdiff_t>(0, difference) + half, steps);
+        const bool exact = cost <= std::abs(difference) + 2 * half;
+        if (exact || cells({rows, columns}, band * 2) > kMaxCells) {
+            break;
+        }
+    }
+
+    CopyScore score;
+    score.cells.reserve(std::max(n, m) + steps.size() / 2);
+    std::size_t i = 0;
+    std::size_t j = 0;
+    for (const Step step : steps) {
+        if (step == kDiagonal) {
+            Tally(score, sent[i] == copied[j] ? CopyMark::Correct : CopyMark::Wrong, sent[i],
+                  copied[j]);
+            ++i;
+            ++j;
+        } else if (step == kMissed) {
+            Tally(score, CopyMark::Missed, sent[i++], 0);
+        } else {
+            Tally(score, CopyMark::Extra, 0, copied[j++]);
+        }
+    }
+    for (; i < n; ++i) {
+        Tally(score, CopyMark::Missed, sent[i], 0);
+    }
+    for (; j < m; ++j) {
+        Tally(score, CopyMark::Extra, 0, copied[j]);
+    }
+    return score;
+}

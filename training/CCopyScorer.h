@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "training/CopyScore.h"
+
+/// Checks what a learner typed against what was sent. The alignment is a character edit distance
+/// (substitution, insertion, deletion, each costing one) in which a letter is never taken for a
+/// word break, so a dropped or doubled letter shifts only its own word. It is computed in a band
+/// around the diagonal that widens until the result is exact or a work limit is reached, so a
+/// long copy is scored in a few milliseconds and a runaway one never stalls the caller.
+class CCopyScorer {
+public:
+    /// The text as it is compared: upper case, every run of blanks, tabs and line breaks one
+    /// blank, none at either end.
+    static std::string Normalize(std::string_view text);
+
+    /// Scores copied against sent (both normalized first).
+    static CopyScore Score(std::string_view sent, std::string_view copied);
+};
