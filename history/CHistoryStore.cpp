@@ -95,9 +95,17 @@ bool CHistoryStore::Private::CreateOrUpgrade(int version, QSqlError& failure) {
         }
         return true;
     };
-    if (!query.exec(QStringLiteral("BEGIN IMMEDIATE"))) {
+    // Another trainer may have created or upgraded the schema while this one waited for the lock.
+    if (!query.exec(QStringLiteral("BEGIN IMMEDIATE")) ||
+        !query.exec(QStringLiteral("PRAGMA user_version")) || !query.next()) {
         failure = query.lastError();
+        query.exec(QStringLiteral("ROLLBACK"));
         return false;
+    }
+    version = query.value(0).toInt();
+    if (version >= kSchemaVersion) {
+        query.exec(QStringLiteral("ROLLBACK"));
+        return version == kSchemaVersion;
     }
     const bool done = (version >= 1 || run(kSchemaVersion1)) &&
                       (version >= 2 || run(kSchemaVersion2)) &&

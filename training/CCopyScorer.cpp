@@ -110,19 +110,14 @@ void Tally(CopyScore& score, CopyMark mark, char sent, char copied) {
     ++score.sentCount;
     CharacterTally& tally = score.characters[sent];
     ++tally.sent;
-    switch (mark) {
-        case CopyMark::Correct:
-            ++score.correct;
-            ++tally.correct;
-            break;
-        case CopyMark::Wrong:
-            ++score.wrong;
-            ++score.confusions[{sent, copied}];
-            break;
-        case CopyMark::Missed:
-        case CopyMark::Extra:
-            ++score.missed;
-            break;
+    if (mark == CopyMark::Correct) {
+        ++score.correct;
+        ++tally.correct;
+    } else if (mark == CopyMark::Wrong) {
+        ++score.wrong;
+        ++score.confusions[{sent, copied}];
+    } else {
+        ++score.missed;
     }
 }
 
@@ -208,4 +203,31 @@ CopyScore CCopyScorer::Score(std::string_view sentText, std::string_view copiedT
         Tally(score, CopyMark::Extra, 0, copied[j]);
     }
     return score;
+}
+
+CCopyScorer::Lines CCopyScorer::AlignedLines(const CopyScore& score) {
+    Lines lines;
+    lines.sent.reserve(score.cells.size());
+    lines.copy.reserve(score.cells.size());
+    for (const CopyCell& cell : score.cells) {
+        switch (cell.mark) {
+            case CopyMark::Correct:
+                lines.sent += cell.sent;
+                lines.copy += cell.sent == ' ' ? ' ' : '.';
+                break;
+            case CopyMark::Wrong:
+                lines.sent += cell.sent;
+                lines.copy += cell.copied;
+                break;
+            case CopyMark::Missed:
+                lines.sent += cell.sent;
+                lines.copy += '-';
+                break;
+            case CopyMark::Extra:
+                lines.sent += '+';
+                lines.copy += cell.copied == ' ' ? '_' : cell.copied;
+                break;
+        }
+    }
+    return lines;
 }

@@ -19,4 +19,13 @@ public:
 
     /// Scores copied against sent (both normalized first).
     static CopyScore Score(std::string_view sent, std::string_view copied);
+
+    /// The alignment as two lines of equal length for a terminal: the sent text with '+' over
+    /// each extra character, and below it '.' for a character copied right, the typed character
+    /// where it was wrong or extra ('_' for a typed blank), '-' where nothing was typed.
+    struct Lines {
+        std::string sent;
+        std::string copy;
+    };
+    static Lines AlignedLines(const CopyScore& score);
 };
