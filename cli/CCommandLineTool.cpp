@@ -18,6 +18,7 @@
 
 #include "audio/INotifyTarget.h"
 #include "audio/WaveAudio.h"
+#include "cli/CCopyCommands.h"
 #include "model/CCrtRandom.h"
 #include "model/CMorseAlphabet.h"
 #include "model/CProfileSettings.h"
@@ -110,6 +111,25 @@ const std::vector<CCommandLineTool::Command>& CCommandLineTool::Commands() {
          {"--wpm", "--farnsworth", "--pitch"},
          {},
          &CCommandLineTool::Play},
+        {"score",
+         "score --sent TEXT --copy TEXT",
+         "Check a copy against the text sent: the two aligned lines ('.' right, '-' missed,\n"
+         "      '+' over an extra character, a wrong one as typed), then the accuracy.",
+         {"--sent", "--copy"},
+         {},
+         &CCommandLineTool::Score},
+        {"koch",
+         "koch --lesson N [--count N] [--size N] [--seed S]",
+         "Print Koch lesson groups (lesson 1 to 39), the newest character drawn twice as often.",
+         {"--lesson", "--count", "--size", "--seed"},
+         {},
+         &CCommandLineTool::Koch},
+        {"history",
+         "history [--csv] [--database FILE]",
+         "List the stored copy-practice sessions, newest first, or all of them as CSV.",
+         {"--database"},
+         {"--csv"},
+         &CCommandLineTool::History},
     };
     return commands;
 }
@@ -457,4 +477,16 @@ int CCommandLineTool::Play(Options& options) {
     std::signal(SIGINT, previous);
     m_out << '\n';
     return stopped ? kExitInterrupted : kExitOk;
+}
+
+int CCommandLineTool::Score(Options& options) {
+    return CopyCommands::Score(options.values, m_out, m_err);
+}
+
+int CCommandLineTool::Koch(Options& options) {
+    return CopyCommands::Koch(options.values, m_clock(), m_out, m_err);
+}
+
+int CCommandLineTool::History(Options& options) {
+    return CopyCommands::History(options.values, options.Has("--csv"), m_out, m_err);
 }
