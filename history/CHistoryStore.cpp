@@ -212,7 +212,10 @@ bool CHistoryStore::Open(const QString& path) {
     if (!d->Exec({QStringLiteral("PRAGMA journal_mode = WAL"),
                   QStringLiteral("PRAGMA synchronous = NORMAL"),
                   QStringLiteral("PRAGMA foreign_keys = ON"),
-                  QStringLiteral("PRAGMA busy_timeout = %1").arg(kBusyTimeoutMs)},
+                  QStringLiteral("PRAGMA busy_timeout = %1").arg(kBusyTimeoutMs),
+                  // Folding the log into the file syncs the disk: done on closing, never inside
+                  // a save, which so stays a few milliseconds.
+                  QStringLiteral("PRAGMA wal_autocheckpoint = 0")},
                  &failure) ||
         (version < kSchemaVersion && !d->CreateOrUpgrade(version, failure))) {
         return fail(QStringLiteral("cannot prepare %1: %2.").arg(d->path, failure.text()));
@@ -222,6 +225,9 @@ bool CHistoryStore::Open(const QString& path) {
 }
 
 void CHistoryStore::Close() {
+    if (d->open) {
+        d->Exec({QStringLiteral("PRAGMA wal_checkpoint(PASSIVE)")});
+    }
     d->open = false;
     if (QSqlDatabase::contains(d->connection)) {
         QSqlDatabase::database(d->connection, false).close();

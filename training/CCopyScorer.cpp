@@ -10,8 +10,8 @@ namespace {
 // The band starts this many diagonals either side of the lengths' difference and doubles while
 // the result may still be bettered outside it.
 constexpr std::ptrdiff_t kFirstBand = 32;
-// No more cells than this (one byte each for the way back): about 50 ms of work at most.
-constexpr std::size_t kMaxCells = std::size_t{16} << 20;
+// No more cells than this (one byte each for the way back): some 20 ms of work at most.
+constexpr std::size_t kMaxCells = std::size_t{4} << 20;
 // However long the texts, the copy is aligned against at least this much more or less text.
 constexpr std::size_t kMinSlack = 256;
 constexpr int kImpossible = 1 << 29;
@@ -34,56 +34,64 @@ std::size_t Difference(std::size_t a, std::size_t b) {
     return a > b ? a - b : b - a;
 }
 
+struct BandResult {
+    int cost = 0;
+    bool touchesEdge = false;  ///< the path runs along a diagonal at the band's edge
+};
+
 /// The alignment of sent against copied within the diagonals first..last (j - i), as steps from
-/// the start; returns its cost.
-int AlignInBand(std::string_view sent, std::string_view copied, std::ptrdiff_t first,
-                std::ptrdiff_t last, std::vector<Step>& steps) {
+/// the start.
+BandResult AlignInBand(std::string_view sent, std::string_view copied, std::ptrdiff_t first,
+                       std::ptrdiff_t last, std::vector<Step>& steps) {
     const auto rows = static_cast<std::ptrdiff_t>(sent.size());
     const auto columns = static_cast<std::ptrdiff_t>(copied.size());
     const std::ptrdiff_t width = last - first + 1;
     std::vector<int> previous(static_cast<std::size_t>(width), kImpossible);
     std::vector<int> current(static_cast<std::size_t>(width), kImpossible);
     std::vector<Step> way(static_cast<std::size_t>((rows + 1) * width), kNone);
-    auto wayAt = [&](std::ptrdiff_t i, std::ptrdiff_t d) -> Step& {
-        return way[static_cast<std::size_t>(i * width + (d - first))];
-    };
 
     for (std::ptrdiff_t d = std::max<std::ptrdiff_t>(first, 0); d <= std::min(last, columns); ++d) {
         previous[static_cast<std::size_t>(d - first)] = static_cast<int>(d);
-        wayAt(0, d) = d > 0 ? kExtra : kNone;
+        way[static_cast<std::size_t>(d - first)] = d > 0 ? kExtra : kNone;
     }
     for (std::ptrdiff_t i = 1; i <= rows; ++i) {
-        for (std::ptrdiff_t d = first; d <= last; ++d) {
+        Step* const row = &way[static_cast<std::size_t>(i * width)];
+        const char s = sent[static_cast<std::size_t>(i - 1)];
+        // Only the diagonals whose column lies within the copy.
+        const std::ptrdiff_t from = std::max(first, -i);
+        const std::ptrdiff_t to = std::min(last, columns - i);
+        std::fill(current.begin(), current.end(), kImpossible);
+        for (std::ptrdiff_t d = from; d <= to; ++d) {
             const std::ptrdiff_t j = i + d;
             const auto at = static_cast<std::size_t>(d - first);
             int best = kImpossible;
             Step step = kNone;
-            if (j >= 0 && j <= columns) {
-                if (j > 0) {
-                    best = previous[at] + SubstitutionCost(sent[i - 1], copied[j - 1]);
-                    step = kDiagonal;
-                }
-                if (d < last && previous[at + 1] + 1 < best) {
-                    best = previous[at + 1] + 1;
-                    step = kMissed;
-                }
-                if (j > 0 && d > first && current[at - 1] + 1 < best) {
-                    best = current[at - 1] + 1;
-                    step = kExtra;
-                }
+            if (j > 0) {
+                best = previous[at] + SubstitutionCost(s, copied[static_cast<std::size_t>(j - 1)]);
+                step = kDiagonal;
+            }
+            if (d < last && previous[at + 1] + 1 < best) {
+                best = previous[at + 1] + 1;
+                step = kMissed;
+            }
+            if (j > 0 && d > first && current[at - 1] + 1 < best) {
+                best = current[at - 1] + 1;
+                step = kExtra;
             }
             current[at] = std::min(best, kImpossible);
-            wayAt(i, d) = step;
+            row[at] = step;
         }
         std::swap(previous, current);
     }
 
+    BandResult result;
     steps.clear();
     std::ptrdiff_t i = rows;
     std::ptrdiff_t d = columns - rows;
-    const int cost = previous[static_cast<std::size_t>(d - first)];
+    result.cost = previous[static_cast<std::size_t>(d - first)];
     while (i > 0 || i + d > 0) {
-        const Step step = wayAt(i, d);
+        result.touchesEdge = result.touchesEdge || d == first || d == last;
+        const Step step = way[static_cast<std::size_t>(i * width + (d - first))];
         steps.push_back(step);
         if (step == kDiagonal) {
             --i;
@@ -95,7 +103,7 @@ int AlignInBand(std::string_view sent, std::string_view copied, std::ptrdiff_t f
         }
     }
     std::ranges::reverse(steps);
-    return cost;
+    return result;
 }
 
 void Tally(CopyScore& score, CopyMark mark, char sent, char copied) {
@@ -164,17 +172,18 @@ CopyScore CCopyScorer::Score(std::string_view sentText, std::string_view copiedT
     const std::string_view head(sent.data(), rows);
     const std::string_view copiedHead(copied.data(), columns);
 
-    // Widen the band until no path leaving it could cost less than the one found in it: leaving
-    // takes at least the lengths' difference plus twice the band in insertions and deletions.
+    // Widen the band while the path found runs along its edge (a better one may lie beyond)
+    // and a path leaving it could still cost less: that takes at least the lengths' difference
+    // plus twice the band in insertions and deletions.
     const auto difference =
         static_cast<std::ptrdiff_t>(columns) - static_cast<std::ptrdiff_t>(rows);
     std::vector<Step> steps;
     for (std::size_t band = kFirstBand;; band *= 2) {
         const auto half = static_cast<std::ptrdiff_t>(band);
-        const int cost =
+        const BandResult result =
             AlignInBand(head, copiedHead, std::min<std::ptrdiff_t>(0, difference) - half,
                         std::max<std::ptrdiff_t>(0, difference) + half, steps);
-        const bool exact = cost <= std::abs(difference) + 2 * half;
+        const bool exact = !result.touchesEdge || result.cost <= std::abs(difference) + 2 * half;
         if (exact || cells({rows, columns}, band * 2) > kMaxCells) {
             break;
         }
