@@ -15,6 +15,7 @@
 #include <QToolBar>
 
 #include "app/CAboutDlg.h"
+#include "app/CCopyPracticePanel.h"
 #include "app/CModalSeam.h"
 #include "app/CTonwerkDoc.h"
 #include "app/CTonwerkView.h"
@@ -61,11 +62,13 @@ CMainFrame::CMainFrame(IProfile& profile, QWidget* parent)
     CreateActions();
     CreateToolBar();
     CreateStatusBar();
+    CreateCopyPractice();
     CreateMenus();
     const std::string state = m_profile.GetString(kBarStateSection, kBarStateEntry, "");
     if (!state.empty()) {
         restoreState(QByteArray::fromBase64(QByteArray::fromStdString(state)));
     }
+    m_copyPanel->RestoreOpen();
     ResetProgress();
 
     connect(m_doc, &CTonwerkDoc::TitleChanged, this,
@@ -240,6 +243,8 @@ void CMainFrame::CreateMenus() {
     view->addActions({Action(kViewToolbar), Action(kViewStatusBar)});
     view->addSeparator();
     view->addActions({Action(kVolumeControl), Action(kCompletionTime)});
+    view->addSeparator();
+    view->addActions({m_copyPanel->toggleViewAction(), Action(kViewProgress)});
     QMenu* random = bar->addMenu(tr("&Random"));
     random->addActions({Action(kAllOn), Action(kAllOff)});
     random->addSeparator();
@@ -251,8 +256,11 @@ void CMainFrame::CreateMenus() {
     random->addActions({Action(kNumbersToggle), Action(kProSignsToggle), Action(kDoubleSpace)});
     random->addSeparator();
     random->addAction(Action(kCallSigns));
+    random->addSeparator();
+    random->addAction(Action(kKochLesson));
     QMenu* recheck = bar->addMenu(tr("R&echeck"));
     recheck->addAction(Action(kReadBack));
+    recheck->addAction(m_copyPanel->CheckAction());
     QMenu* help = bar->addMenu(tr("&Help"));
     help->addAction(Action(kAppAbout));
 }
