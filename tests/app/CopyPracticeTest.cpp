@@ -8,9 +8,9 @@
 #include <QTextEdit>
 
 #include "CopyPracticeTestSupport.h"
-#include "audio/INotifyTarget.h"
 #include "app/CKochLessonDlg.h"
 #include "app/CKochTrainer.h"
+#include "audio/INotifyTarget.h"
 #include "model/CMorseAlphabet.h"
 
 class CopyPracticeTest : public QObject, public CopyPracticeFixture {
