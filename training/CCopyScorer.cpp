@@ -7,11 +7,10 @@
 
 namespace {
 
-// The band starts this many diagonals either side of the lengths' difference and doubles while
-// the result may still be bettered outside it.
+// The first band reaches this many diagonals beyond the lengths' difference either side.
 constexpr std::ptrdiff_t kFirstBand = 32;
-// No more cells than this (one byte each for the way back): some 20 ms of work at most.
-constexpr std::size_t kMaxCells = std::size_t{4} << 20;
+// No more cells than this in one band (one byte each for the way back): some 20 ms of work.
+constexpr std::size_t kMaxCells = std::size_t{6} << 20;
 // However long the texts, the copy is aligned against at least this much more or less text.
 constexpr std::size_t kMinSlack = 256;
 constexpr int kImpossible = 1 << 29;
@@ -34,63 +33,61 @@ std::size_t Difference(std::size_t a, std::size_t b) {
     return a > b ? a - b : b - a;
 }
 
-struct BandResult {
-    int cost = 0;
-    bool touchesEdge = false;  ///< the path runs along a diagonal at the band's edge
-};
-
 /// The alignment of sent against copied within the diagonals first..last (j - i), as steps from
-/// the start.
-BandResult AlignInBand(std::string_view sent, std::string_view copied, std::ptrdiff_t first,
-                       std::ptrdiff_t last, std::vector<Step>& steps) {
+/// the start; returns its cost.
+int AlignInBand(std::string_view sent, std::string_view copied, std::ptrdiff_t first,
+                std::ptrdiff_t last, std::vector<Step>& steps) {
     const auto rows = static_cast<std::ptrdiff_t>(sent.size());
     const auto columns = static_cast<std::ptrdiff_t>(copied.size());
     const std::ptrdiff_t width = last - first + 1;
-    std::vector<int> previous(static_cast<std::size_t>(width), kImpossible);
-    std::vector<int> current(static_cast<std::size_t>(width), kImpossible);
+    // Costs of the previous and the current row by diagonal, with one unreachable cell beyond
+    // either end of the band so the loop needs no bounds tests.
+    std::vector<int> previousRow(static_cast<std::size_t>(width + 2), kImpossible);
+    std::vector<int> currentRow(static_cast<std::size_t>(width + 2), kImpossible);
+    int* previous = previousRow.data() + 1 - first;
+    int* current = currentRow.data() + 1 - first;
     std::vector<Step> way(static_cast<std::size_t>((rows + 1) * width), kNone);
 
     for (std::ptrdiff_t d = std::max<std::ptrdiff_t>(first, 0); d <= std::min(last, columns); ++d) {
-        previous[static_cast<std::size_t>(d - first)] = static_cast<int>(d);
+        previous[d] = static_cast<int>(d);
         way[static_cast<std::size_t>(d - first)] = d > 0 ? kExtra : kNone;
     }
     for (std::ptrdiff_t i = 1; i <= rows; ++i) {
-        Step* const row = &way[static_cast<std::size_t>(i * width)];
+        Step* const row = way.data() + i * width - first;
         const char s = sent[static_cast<std::size_t>(i - 1)];
         // Only the diagonals whose column lies within the copy.
-        const std::ptrdiff_t from = std::max(first, -i);
+        std::ptrdiff_t from = std::max(first, -i);
         const std::ptrdiff_t to = std::min(last, columns - i);
-        std::fill(current.begin(), current.end(), kImpossible);
+        current[from - 1] = kImpossible;
+        current[to + 1] = kImpossible;
+        if (from == -i) {  // the first column: only missed characters lead there
+            current[from] = previous[from + 1] + 1;
+            row[from] = kMissed;
+            ++from;
+        }
         for (std::ptrdiff_t d = from; d <= to; ++d) {
-            const std::ptrdiff_t j = i + d;
-            const auto at = static_cast<std::size_t>(d - first);
-            int best = kImpossible;
-            Step step = kNone;
-            if (j > 0) {
-                best = previous[at] + SubstitutionCost(s, copied[static_cast<std::size_t>(j - 1)]);
-                step = kDiagonal;
-            }
-            if (d < last && previous[at + 1] + 1 < best) {
-                best = previous[at + 1] + 1;
+            int best =
+                previous[d] + SubstitutionCost(s, copied[static_cast<std::size_t>(i - 1 + d)]);
+            Step step = kDiagonal;
+            if (previous[d + 1] + 1 < best) {
+                best = previous[d + 1] + 1;
                 step = kMissed;
             }
-            if (j > 0 && d > first && current[at - 1] + 1 < best) {
-                best = current[at - 1] + 1;
+            if (current[d - 1] + 1 < best) {
+                best = current[d - 1] + 1;
                 step = kExtra;
             }
-            current[at] = std::min(best, kImpossible);
-            row[at] = step;
+            current[d] = std::min(best, kImpossible);
+            row[d] = step;
         }
         std::swap(previous, current);
     }
 
-    BandResult result;
     steps.clear();
     std::ptrdiff_t i = rows;
     std::ptrdiff_t d = columns - rows;
-    result.cost = previous[static_cast<std::size_t>(d - first)];
+    const int cost = previous[d];
     while (i > 0 || i + d > 0) {
-        result.touchesEdge = result.touchesEdge || d == first || d == last;
         const Step step = way[static_cast<std::size_t>(i * width + (d - first))];
         steps.push_back(step);
         if (step == kDiagonal) {
@@ -103,7 +100,7 @@ BandResult AlignInBand(std::string_view sent, std::string_view copied, std::ptrd
         }
     }
     std::ranges::reverse(steps);
-    return result;
+    return cost;
 }
 
 void Tally(CopyScore& score, CopyMark mark, char sent, char copied) {
@@ -165,27 +162,33 @@ CopyScore CCopyScorer::Score(std::string_view sentText, std::string_view copiedT
         return (sizes.first + 1) * (Difference(sizes.first, sizes.second) + 2 * band + 1);
     };
     std::size_t slack = std::max(n, m);
-    while (slack > kMinSlack && cells(alignedSizes(slack), kFirstBand) > kMaxCells) {
+    while (slack > kMinSlack && cells(alignedSizes(slack), kFirstBand) > kMaxCells / 4) {
         slack /= 2;
     }
     const auto [rows, columns] = alignedSizes(slack);
     const std::string_view head(sent.data(), rows);
     const std::string_view copiedHead(copied.data(), columns);
 
-    // Widen the band while the path found runs along its edge (a better one may lie beyond)
-    // and a path leaving it could still cost less: that takes at least the lengths' difference
-    // plus twice the band in insertions and deletions.
+    // A path leaving the band takes at least the lengths' difference plus twice the band in
+    // insertions and deletions. So when the first, narrow band's path costs more than that, one
+    // wide enough for that cost gives the best alignment, unless the work limit narrows it.
     const auto difference =
         static_cast<std::ptrdiff_t>(columns) - static_cast<std::ptrdiff_t>(rows);
-    std::vector<Step> steps;
-    for (std::size_t band = kFirstBand;; band *= 2) {
+    auto align = [&](std::size_t band, std::vector<Step>& steps) {
         const auto half = static_cast<std::ptrdiff_t>(band);
-        const BandResult result =
-            AlignInBand(head, copiedHead, std::min<std::ptrdiff_t>(0, difference) - half,
-                        std::max<std::ptrdiff_t>(0, difference) + half, steps);
-        const bool exact = !result.touchesEdge || result.cost <= std::abs(difference) + 2 * half;
-        if (exact || cells({rows, columns}, band * 2) > kMaxCells) {
-            break;
+        return AlignInBand(head, copiedHead, std::min<std::ptrdiff_t>(0, difference) - half,
+                           std::max<std::ptrdiff_t>(0, difference) + half, steps);
+    };
+    std::vector<Step> steps;
+    const auto cost = static_cast<std::size_t>(align(kFirstBand, steps));
+    const std::size_t certain = Difference(rows, columns) + 2 * kFirstBand;
+    if (cost > certain) {
+        std::size_t band = (cost - Difference(rows, columns)) / 2 + 1;
+        while (band > kFirstBand && cells({rows, columns}, band) > kMaxCells) {
+            band = band * 7 / 8;
+        }
+        if (band > kFirstBand) {
+            align(band, steps);
         }
     }
 

@@ -9,9 +9,9 @@
 /// Checks what a learner typed against what was sent. The alignment is a character edit distance
 /// (substitution, insertion, deletion, each costing one) in which a letter is never taken for a
 /// word break, so a dropped or doubled letter shifts only its own word. It is computed in a band
-/// around the diagonal, widened while the path found runs along its edge, up to a work limit; far
-/// beyond the shorter text the rest counts as missed or extra outright. So a long copy is scored
-/// in milliseconds and a runaway one never stalls the caller.
+/// around the diagonal, widened once when the path found might be bettered outside it, up to a
+/// work limit; far beyond the shorter text the rest counts as missed or extra outright. So a long
+/// copy is scored in milliseconds and a runaway one never stalls the caller.
 class CCopyScorer {
 public:
     /// The text as it is compared: upper case, every run of blanks, tabs and line breaks one

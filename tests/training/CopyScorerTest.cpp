@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "training/CKochCourse.h"
+
 namespace {
 
 struct AlignmentCase {
@@ -93,6 +95,18 @@ TEST(CopyScorer, LongTextsAlignExactlyAndRunawayCopiesStayCheap) {
     EXPECT_EQ(score.missed, 5);
     EXPECT_EQ(score.wrong, 1);
     EXPECT_EQ(score.correct, score.sentCount - 6);
+
+    // A passage left out and as much typed in later: the copy is as long as the text, but
+    // everything between the two is still right.
+    CCrtRandom rng(5);
+    const std::string groups = CKochCourse::Groups(39, 2000, 5, rng);
+    std::string drifted = groups;
+    drifted.insert(9000, std::string(120, 'E'));
+    drifted.erase(1200, 120);
+    const CopyScore drift = CCopyScorer::Score(groups, drifted);
+    EXPECT_EQ(drift.missed, 100);
+    EXPECT_EQ(drift.extra, 120);
+    EXPECT_EQ(drift.wrong, 0);
 
     // Far more typed than sent: the text is still found, the rest is extra.
     const CopyScore runaway = CCopyScorer::Score("PARIS", "PARIS " + std::string(200000, 'E'));
