@@ -27,6 +27,7 @@
 #include "model/CompletionEstimate.h"
 #include "sound/CCodeSoundGen.h"
 #include "sound/CCodeWaveGen.h"
+#include "training/CKochCourse.h"
 
 namespace {
 
@@ -484,7 +485,21 @@ int CCommandLineTool::Score(Options& options) {
 }
 
 int CCommandLineTool::Koch(Options& options) {
-    return CopyCommands::Koch(options.values, m_clock(), m_out, m_err);
+    constexpr long long kDefaultGroups = 20;
+    constexpr long long kDefaultGroupSize = 5;
+    CNumber number(options, m_err);
+    const auto lesson = number.Get("--lesson", CKochCourse::kFirstLesson, CKochCourse::kLastLesson);
+    const auto count = number.Get("--count", 0, kMaxGroups, kDefaultGroups);
+    const auto size = number.Get("--size", 1, kMaxGroupSize, kDefaultGroupSize);
+    const auto seed = number.Get("--seed", 0, kSeedLimit, m_clock());
+    if (number.Failed()) {
+        return kExitUsage;
+    }
+    CCrtRandom rng(static_cast<std::uint32_t>(*seed));
+    m_out << CKochCourse::Groups(static_cast<int>(*lesson), static_cast<int>(*count),
+                                 static_cast<int>(*size), rng)
+          << '\n';
+    return kExitOk;
 }
 
 int CCommandLineTool::History(Options& options) {

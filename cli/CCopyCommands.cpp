@@ -3,48 +3,16 @@
 
 #include <QCoreApplication>
 
-#include <charconv>
 #include <cstdio>
 #include <optional>
 #include <ostream>
 
 #include "cli/CCommandLineTool.h"
 #include "history/CHistoryStore.h"
-#include "model/CCrtRandom.h"
 #include "profile/CQtProfile.h"
 #include "training/CCopyScorer.h"
-#include "training/CKochCourse.h"
 
 namespace {
-
-constexpr int kDefaultGroups = 20;
-constexpr int kDefaultGroupSize = 5;
-constexpr long long kMaxGroups = 100000;
-constexpr long long kMaxGroupSize = 1000;
-constexpr long long kSeedLimit = 1LL << 62;
-
-/// A whole number option within bounds, its fallback when absent; nullopt after saying why.
-std::optional<long long> Number(const CopyCommands::Values& values, std::string_view command,
-                                std::string_view name, long long lowest, long long highest,
-                                std::optional<long long> fallback, std::ostream& err) {
-    const auto it = values.find(name);
-    if (it == values.end()) {
-        if (!fallback) {
-            err << "tonwerk-cli " << command << ": " << name << " is required\n";
-        }
-        return fallback;
-    }
-    const std::string& text = it->second;
-    long long value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc{} || end != text.data() + text.size() || value < lowest ||
-        value > highest) {
-        err << "tonwerk-cli " << command << ": " << name << " takes a whole number from " << lowest
-            << " to " << highest << ", not '" << text << "'\n";
-        return std::nullopt;
-    }
-    return value;
-}
 
 std::string Percent(double value) {
     char text[32];
@@ -65,23 +33,6 @@ int CopyCommands::Score(const Values& values, std::ostream& out, std::ostream& e
     const CCopyScorer::Lines lines = CCopyScorer::AlignedLines(score);
     out << "sent  " << lines.sent << "\ncopy  " << lines.copy << "\naccuracy "
         << Percent(score.Accuracy()) << " % (" << score.correct << '/' << score.Judged() << ")\n";
-    return CCommandLineTool::kExitOk;
-}
-
-int CopyCommands::Koch(const Values& values, long long defaultSeed, std::ostream& out,
-                       std::ostream& err) {
-    const auto lesson = Number(values, "koch", "--lesson", CKochCourse::kFirstLesson,
-                               CKochCourse::kLastLesson, std::nullopt, err);
-    const auto count = Number(values, "koch", "--count", 0, kMaxGroups, kDefaultGroups, err);
-    const auto size = Number(values, "koch", "--size", 1, kMaxGroupSize, kDefaultGroupSize, err);
-    const auto seed = Number(values, "koch", "--seed", 0, kSeedLimit, defaultSeed, err);
-    if (!lesson || !count || !size || !seed) {
-        return CCommandLineTool::kExitUsage;
-    }
-    CCrtRandom rng(static_cast<std::uint32_t>(*seed));
-    out << CKochCourse::Groups(static_cast<int>(*lesson), static_cast<int>(*count),
-                               static_cast<int>(*size), rng)
-        << '\n';
     return CCommandLineTool::kExitOk;
 }
 

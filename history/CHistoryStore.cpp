@@ -80,6 +80,22 @@ struct CHistoryStore::Private {
         return true;
     }
 
+    /// A read-only query run with its one bound value, if any; nothing to step through when
+    /// history is off or the query fails.
+    QSqlQuery Select(const char* sql, const QVariant& value = {}) const {
+        if (!open) {
+            return QSqlQuery();
+        }
+        QSqlQuery query(Database());
+        query.setForwardOnly(true);
+        query.prepare(QString::fromLatin1(sql));
+        if (value.isValid()) {
+            query.addBindValue(value);
+        }
+        query.exec();
+        return query;
+    }
+
     bool CreateOrUpgrade(int version, QSqlError& failure);
     void SetAside();
 };
@@ -314,19 +330,11 @@ qint64 CHistoryStore::Save(const CopySessionInfo& info, const CopyScore& score) 
 
 std::vector<StoredSession> CHistoryStore::Sessions(int limit) const {
     std::vector<StoredSession> sessions;
-    if (!d->open) {
-        return sessions;
-    }
-    QSqlQuery query(d->Database());
-    query.setForwardOnly(true);
-    query.prepare(QStringLiteral(
+    QSqlQuery query = d->Select(
         "SELECT id, started, seconds, wpm, farnsworth, pitch, lesson, sent, copied, sent_count, "
         "correct, wrong, missed, extra, accuracy FROM sessions ORDER BY started DESC, id DESC "
-        "LIMIT ?"));
-    query.addBindValue(limit);
-    if (!query.exec()) {
-        return sessions;
-    }
+        "LIMIT ?",
+        limit);
     while (query.next()) {
         StoredSession s;
         s.id = query.value(0).toLongLong();
@@ -353,16 +361,9 @@ std::vector<StoredSession> CHistoryStore::Sessions(int limit) const {
 
 std::vector<PracticeDay> CHistoryStore::Days() const {
     std::vector<PracticeDay> days;
-    if (!d->open) {
-        return days;
-    }
-    QSqlQuery query(d->Database());
-    query.setForwardOnly(true);
-    if (!query.exec(QStringLiteral(
-            "SELECT day, SUM(correct), SUM(sent_count + extra), SUM(seconds), COUNT(*) "
-            "FROM sessions GROUP BY day ORDER BY day"))) {
-        return days;
-    }
+    QSqlQuery query = d->Select(
+        "SELECT day, SUM(correct), SUM(sent_count + extra), SUM(seconds), COUNT(*) "
+        "FROM sessions GROUP BY day ORDER BY day");
     while (query.next()) {
         PracticeDay day;
         day.day = QDate::fromString(query.value(0).toString(), Qt::ISODate);
@@ -380,18 +381,10 @@ std::vector<PracticeDay> CHistoryStore::Days() const {
 
 std::map<char, CharacterTally> CHistoryStore::RecentCharacters(int sessions) const {
     std::map<char, CharacterTally> characters;
-    if (!d->open) {
-        return characters;
-    }
-    QSqlQuery query(d->Database());
-    query.setForwardOnly(true);
-    query.prepare(QStringLiteral(
+    QSqlQuery query = d->Select(
         "SELECT character, SUM(sent), SUM(correct) FROM characters WHERE session IN "
-        "(SELECT id FROM sessions ORDER BY started DESC, id DESC LIMIT ?) GROUP BY character"));
-    query.addBindValue(sessions);
-    if (!query.exec()) {
-        return characters;
-    }
+        "(SELECT id FROM sessions ORDER BY started DESC, id DESC LIMIT ?) GROUP BY character",
+        sessions);
     while (query.next()) {
         const QString character = query.value(0).toString();
         if (character.size() == 1) {
@@ -404,18 +397,10 @@ std::map<char, CharacterTally> CHistoryStore::RecentCharacters(int sessions) con
 
 std::vector<Confusion> CHistoryStore::MostConfused(int limit) const {
     std::vector<Confusion> confusions;
-    if (!d->open) {
-        return confusions;
-    }
-    QSqlQuery query(d->Database());
-    query.setForwardOnly(true);
-    query.prepare(QStringLiteral(
+    QSqlQuery query = d->Select(
         "SELECT sent, taken, SUM(count) AS times FROM confusions GROUP BY sent, taken "
-        "ORDER BY times DESC, sent, taken LIMIT ?"));
-    query.addBindValue(limit);
-    if (!query.exec()) {
-        return confusions;
-    }
+        "ORDER BY times DESC, sent, taken LIMIT ?",
+        limit);
     while (query.next()) {
         const QString sent = query.value(0).toString();
         const QString taken = query.value(1).toString();
@@ -428,28 +413,14 @@ std::vector<Confusion> CHistoryStore::MostConfused(int limit) const {
 }
 
 int CHistoryStore::LessonReached() const {
-    if (!d->open) {
-        return 0;
-    }
-    QSqlQuery query(d->Database());
-    return query.exec(QStringLiteral("SELECT MAX(lesson) FROM sessions")) && query.next()
-               ? query.value(0).toInt()
-               : 0;
+    QSqlQuery query = d->Select("SELECT MAX(lesson) FROM sessions");
+    return query.next() ? query.value(0).toInt() : 0;
 }
 
 int CHistoryStore::Streak(const QDate& today) const {
-    if (!d->open) {
-        return 0;
-    }
-    QSqlQuery query(d->Database());
-    query.setForwardOnly(true);
-    query.prepare(
-        QStringLiteral("SELECT DISTINCT day FROM sessions WHERE day <= ? "
-                       "ORDER BY day DESC"));
-    query.addBindValue(today.toString(Qt::ISODate));
-    if (!query.exec()) {
-        return 0;
-    }
+    QSqlQuery query =
+        d->Select("SELECT DISTINCT day FROM sessions WHERE day <= ? ORDER BY day DESC",
+                  today.toString(Qt::ISODate));
     int streak = 0;
     QDate expected = today;
     while (query.next()) {
