@@ -152,6 +152,9 @@ void CCopyPracticePanel::OnListeningFinished() {
     m_seconds = static_cast<double>(m_runClock.elapsed()) / 1000.0;
     m_sent = SentPart();
     SetTextsHidden(false);
+    if (m_sent.trimmed().isEmpty()) {
+        return;  // stopped before the first character: nothing to check
+    }
     if (m_checkWhenFinished || (isVisible() && !m_copyEdit->toPlainText().trimmed().isEmpty())) {
         OnCheck();
     }
