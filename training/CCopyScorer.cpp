@@ -8,7 +8,7 @@
 namespace {
 
 // The first band reaches this many diagonals beyond the lengths' difference either side.
-constexpr std::ptrdiff_t kFirstBand = 32;
+constexpr std::size_t kFirstBand = 32;
 // No more cells than this in one band (one byte each for the way back): some 20 ms of work.
 constexpr std::size_t kMaxCells = std::size_t{6} << 20;
 // However long the texts, the copy is aligned against at least this much more or less text.
@@ -193,7 +193,7 @@ CopyScore CCopyScorer::Score(std::string_view sentText, std::string_view copiedT
     }
 
     CopyScore score;
-    score.cells.reserve(std::max(n, m) + steps.size() / 2);
+    score.cells.reserve(steps.size() + (n - rows) + (m - columns));
     std::size_t i = 0;
     std::size_t j = 0;
     for (const Step step : steps) {
