@@ -11,11 +11,7 @@ CHistoryStore* CPracticeHistory::Store() {
     if (!m_openTried) {
         m_openTried = true;
         if (!m_store.Open()) {
-            QString text = m_store.ErrorText();
-            if (!m_store.SetAsidePath().isEmpty()) {
-                text += tr("\nThe damaged file was kept as %1.").arg(m_store.SetAsidePath());
-            }
-            Report(text + tr("\nPractice goes on without history."));
+            Report(m_store.ErrorText() + tr("\nPractice goes on without history."));
         }
     }
     return m_store.IsOpen() ? &m_store : nullptr;
