@@ -10,9 +10,11 @@
 #include <QSqlQuery>
 #include <QTemporaryDir>
 
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <functional>
 #include <thread>
 
@@ -213,20 +215,21 @@ TEST_F(HistoryStore, AFolderThatCannotBeMadeLeavesHistoryOff) {
     EXPECT_EQ(Save(store, Info(kMonday)), 0);
 }
 
-/// Runs check as an ordinary user: as root, in a child process that gave up its rights, since
-/// file permissions do not hold for root.
-bool AsOrdinaryUser(const std::function<bool()>& check) {
-    if (geteuid() != 0) {
-        return check();
-    }
+/// Runs check in a child process after prepare, which may limit it as the parent must not be.
+bool InChildProcess(const std::function<bool()>& prepare, const std::function<bool()>& check) {
     const pid_t child = fork();
     if (child == 0) {
-        constexpr uid_t kNobody = 65534;
-        _exit(setgid(kNobody) == 0 && setuid(kNobody) == 0 && check() ? 0 : 1);
+        _exit(prepare() && check() ? 0 : 1);
     }
     int status = 0;
     return child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) &&
            WEXITSTATUS(status) == 0;
+}
+
+/// Gives up root's rights, for which file permissions do not hold.
+bool AsOrdinaryUser() {
+    constexpr uid_t kNobody = 65534;
+    return geteuid() != 0 || (setgid(kNobody) == 0 && setuid(kNobody) == 0);
 }
 
 TEST_F(HistoryStore, AReadOnlyFolderSavesNothingAndKeepsTheFile) {
@@ -241,7 +244,7 @@ TEST_F(HistoryStore, AReadOnlyFolderSavesNothingAndKeepsTheFile) {
         File(), readOnly & ~(QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther)));
     ASSERT_TRUE(QFile::setPermissions(m_folder.path(), readOnly));
 
-    EXPECT_TRUE(AsOrdinaryUser([this] {
+    EXPECT_TRUE(InChildProcess(AsOrdinaryUser, [this] {
         // The file may open read-only or not at all; either way the session is refused whole
         // and the file is not taken for a damaged one.
         CHistoryStore store;
@@ -256,6 +259,41 @@ TEST_F(HistoryStore, AReadOnlyFolderSavesNothingAndKeepsTheFile) {
     CHistoryStore store;
     ASSERT_TRUE(store.Open(File()));
     EXPECT_EQ(store.Sessions().size(), 1u);
+}
+
+TEST_F(HistoryStore, AFullDiskSavesNothingHalf) {
+    {
+        CHistoryStore store;
+        ASSERT_TRUE(store.Open(File()));
+        ASSERT_GT(Save(store, Info(kMonday)), 0);
+    }
+    // A session of every Koch character, each taken for another now and then.
+    std::string sent;
+    std::string copied;
+    for (int i = 0; i < 3000; ++i) {
+        const std::string_view order = "KMRSUAPTLOWI.NJEF0Y,VG5/Q9ZH38B?427C1D6X";
+        sent += order[static_cast<std::size_t>(i) % order.size()];
+        copied += order[static_cast<std::size_t>(i * 7 / 6) % order.size()];
+    }
+    CHistoryStore store;
+    ASSERT_TRUE(store.Open(File()));
+    // No file may grow past 24 KB: the log takes the first pages of the session, then the disk
+    // is full.
+    auto fillTheDisk = [] {
+        constexpr rlim_t kRoom = 24576;
+        const rlimit limit{kRoom, kRoom};
+        std::signal(SIGXFSZ, SIG_IGN);
+        return setrlimit(RLIMIT_FSIZE, &limit) == 0;
+    };
+    EXPECT_TRUE(InChildProcess(fillTheDisk, [&] {
+        return Save(store, Info(kMonday, 5, sent.c_str(), copied.c_str())) == 0 &&
+               store.ErrorText().startsWith(QStringLiteral("The session was not saved"));
+    }));
+    store.Close();
+
+    ASSERT_TRUE(store.Open(File())) << store.ErrorText().toStdString();
+    EXPECT_EQ(store.Sessions().size(), 1u);
+    EXPECT_EQ(store.LessonReached(), 3);
 }
 
 TEST_F(HistoryStore, TwoWritersAtOnceLoseNoSession) {
