@@ -285,9 +285,10 @@ qint64 CHistoryStore::Save(const CopySessionInfo& info, const CopyScore& score) 
         "INSERT INTO sessions(started, day, seconds, wpm, farnsworth, pitch, lesson, sent, "
         "copied, sent_count, correct, wrong, missed, extra, accuracy) "
         "VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+    const QDateTime started = info.started.isValid() ? info.started : QDateTime::currentDateTime();
     for (const QVariant& value :
-         {QVariant(info.started.toMSecsSinceEpoch()),
-          QVariant(info.started.toLocalTime().date().toString(Qt::ISODate)), QVariant(info.seconds),
+         {QVariant(started.toMSecsSinceEpoch()),
+          QVariant(started.toLocalTime().date().toString(Qt::ISODate)), QVariant(info.seconds),
           QVariant(info.wpm), QVariant(info.farnsworth), QVariant(info.pitch),
           QVariant(info.lesson), QVariant(info.sent), QVariant(info.copied),
           QVariant(score.sentCount), QVariant(score.correct), QVariant(score.wrong),

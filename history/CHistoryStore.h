@@ -14,7 +14,7 @@
 
 /// What a checked session was besides its score.
 struct CopySessionInfo {
-    QDateTime started;   ///< when Listen was pressed
+    QDateTime started;   ///< when Listen was pressed; now when not set
     double seconds = 0;  ///< how long the run lasted
     int wpm = 0;         ///< words per minute sent
     int farnsworth = 0;  ///< Farnsworth factor, 0 for none
