@@ -96,11 +96,12 @@ struct CHistoryStore::Private {
         return query;
     }
 
-    bool CreateOrUpgrade(int version, QSqlError& failure);
+    /// Creates the schema or brings an older one up to kSchemaVersion, in one transaction.
+    bool CreateOrUpgrade(QSqlError& failure);
     void SetAside();
 };
 
-bool CHistoryStore::Private::CreateOrUpgrade(int version, QSqlError& failure) {
+bool CHistoryStore::Private::CreateOrUpgrade(QSqlError& failure) {
     QSqlQuery query(Database());
     auto run = [&](const auto& statements) {
         for (const char* statement : statements) {
@@ -118,7 +119,7 @@ bool CHistoryStore::Private::CreateOrUpgrade(int version, QSqlError& failure) {
         query.exec(QStringLiteral("ROLLBACK"));
         return false;
     }
-    version = query.value(0).toInt();
+    const int version = query.value(0).toInt();
     if (version >= kSchemaVersion) {
         query.exec(QStringLiteral("ROLLBACK"));
         return version == kSchemaVersion;
@@ -233,7 +234,7 @@ bool CHistoryStore::Open(const QString& path) {
                   // a save, which so stays a few milliseconds.
                   QStringLiteral("PRAGMA wal_autocheckpoint = 0")},
                  &failure) ||
-        (version < kSchemaVersion && !d->CreateOrUpgrade(version, failure))) {
+        (version < kSchemaVersion && !d->CreateOrUpgrade(failure))) {
         return fail(QStringLiteral("cannot prepare %1: %2.").arg(d->path, failure.text()));
     }
     d->open = true;
