@@ -70,8 +70,9 @@ int CopyCommands::History(const Values& values, bool csv, std::ostream& out, std
                       s.accuracy, s.correct, s.sentCount + s.extra, s.effectiveWpm);
         out << line;
     }
+    const int streak = store.Streak();
     out << sessions.size() << (sessions.size() == 1 ? " session" : " sessions")
-        << ", lesson reached " << store.LessonReached() << ", streak " << store.Streak()
-        << (store.Streak() == 1 ? " day\n" : " days\n");
+        << ", lesson reached " << store.LessonReached() << ", streak " << streak
+        << (streak == 1 ? " day\n" : " days\n");
     return CCommandLineTool::kExitOk;
 }
