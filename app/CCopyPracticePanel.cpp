@@ -31,7 +31,9 @@ constexpr std::string_view kHideEntry = "HideText";
 /// What a learner copying by ear must not see while a run lasts: the practice text, the code
 /// text and the current, next and previous characters, by form id.
 constexpr int kHiddenWhileListening[] = {1002, 1001, 1006, 1010, 1037};
+/// The copy field's height: four lines and a little room.
 constexpr int kCopyLines = 4;
+constexpr int kCopyPadding = 8;
 
 }  // namespace
 
@@ -52,7 +54,7 @@ CCopyPracticePanel::CCopyPracticePanel(CTonwerkDoc& doc, CTonwerkView& view,
     m_copyEdit->setObjectName("editCopy");
     m_copyEdit->setPlaceholderText(tr("Type what you hear while listening"));
     m_copyEdit->setFixedHeight(m_copyEdit->fontMetrics().lineSpacing() * kCopyLines +
-                               2 * m_copyEdit->frameWidth() + 8);
+                               2 * m_copyEdit->frameWidth() + kCopyPadding);
     m_checkAction = new QAction(tr("Chec&k Copy\tCtrl+K"), this);
     m_checkAction->setObjectName("actionCheckCopy");
     m_checkAction->setShortcut(QKeySequence(tr("Ctrl+K")));

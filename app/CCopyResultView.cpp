@@ -2,6 +2,7 @@
 #include "app/CCopyResultView.h"
 
 #include <QFontDatabase>
+#include <QPaintEvent>
 #include <QPainter>
 #include <algorithm>
 
@@ -121,7 +122,7 @@ QSize CCopyResultView::sizeHint() const {
     return {width, heightForWidth(width)};
 }
 
-void CCopyResultView::paintEvent(QPaintEvent* /*event*/) {
+void CCopyResultView::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     const QFont sentFont = MonoFont(kSentPointSize);
     const QFont typedFont = MonoFont(kTypedPointSize);
@@ -134,6 +135,10 @@ void CCopyResultView::paintEvent(QPaintEvent* /*event*/) {
     for (std::size_t i = 0; i < m_cells.size(); ++i) {
         const CopyCell& c = m_cells[i];
         const QPoint corner = corners[i];
+        // A long copy is only drawn where it shows.
+        if (!event->rect().intersects(QRect(corner, QSize(cell, typedHeight + sentHeight)))) {
+            continue;
+        }
         painter.setPen(MarkColor(c.mark));
         if (c.mark == CopyMark::Wrong) {
             painter.setFont(typedFont);

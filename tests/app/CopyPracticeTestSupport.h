@@ -24,6 +24,14 @@ public:
         QDir(QFileInfo(CHistoryStore::DefaultPath()).absolutePath()).removeRecursively();
     }
 
+    /// Puts a file that is no database where the history belongs.
+    static bool DamageHistory() {
+        const QString path = CHistoryStore::DefaultPath();
+        QDir().mkpath(QFileInfo(path).absolutePath());
+        QFile file(path);
+        return file.open(QIODevice::WriteOnly) && file.write(QByteArray(4096, 'x')) == 4096;
+    }
+
     /// A frame on a fresh profile with the panel open, shown as the learner sees it.
     CCopyPracticePanel& OpenPanel() {
         NewProfile();

@@ -122,12 +122,7 @@ private slots:
     }
 
     void brokenHistoryShowsWhy() {
-        const QString path = CHistoryStore::DefaultPath();
-        QDir().mkpath(QFileInfo(path).absolutePath());
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray(4096, 'x'));
-        file.close();
+        QVERIFY(DamageHistory());
         CProgressWindow& window = *Frame().OnProgress();
         QVERIFY(window.findChild<QLabel*>("labelProgressSummary")
                     ->text()
