@@ -179,7 +179,10 @@ void CCopyPracticePanel::OnCheck() {
         m_view.OnListen();
         return;
     }
-    show();
+    if (isHidden()) {
+        show();
+        StoreOpen(true);
+    }
     raise();
     const QString sent = m_sent.isEmpty() ? m_view.PracticeText() : m_sent;
     const QByteArray sentBytes = sent.toLatin1();

@@ -35,7 +35,8 @@ public:
     void RestoreOpen();
 
     /// Check (Ctrl+K): scores the copy against the last run's text (the practice text when
-    /// nothing was sent yet); a run still going is stopped first and checked when it ends.
+    /// nothing was sent yet), opening the panel if it was closed; a run still going is stopped
+    /// first and checked when it ends.
     void OnCheck();
 
     QAction* CheckAction() const { return m_checkAction; }

@@ -63,6 +63,12 @@ private slots:
         QVERIFY(Panel()->close());
         NewFrame();
         QVERIFY(Panel()->isHidden());
+
+        // Ctrl+K opens it with the practice text checked: nothing copied, everything missed.
+        Panel()->CheckAction()->trigger();
+        QCOMPARE(Summary(), QStringLiteral("Accuracy 0.0 % (0/26): 0 wrong, 26 missed, 0 extra"));
+        NewFrame();
+        QVERIFY(!Panel()->isHidden());
     }
 
     void kochLessonSetsTheSelectionAndTheGroups_data() {
