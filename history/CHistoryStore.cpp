@@ -17,9 +17,12 @@ namespace {
 
 constexpr int kBusyTimeoutMs = 5000;
 constexpr double kCharactersPerWord = 5.0;
-// SQLite's result codes for a file that is not a database or is damaged.
-const QString kNotADatabase = QStringLiteral("26");
-const QString kCorrupt = QStringLiteral("11");
+
+/// Whether SQLite found the file damaged or not a database at all.
+bool IsDamage(const QSqlError& error) {
+    const QString code = error.nativeErrorCode();
+    return code == QStringLiteral("11") || code == QStringLiteral("26");
+}
 
 // The first schema: sessions and their per-character counts.
 constexpr const char* kSchemaVersion1[] = {
@@ -81,8 +84,8 @@ struct CHistoryStore::Private {
     }
 
     /// A read-only query run with its one bound value, if any; nothing to step through when
-    /// history is off or the query fails.
-    QSqlQuery Select(const char* sql, const QVariant& value = {}) const {
+    /// history is off or the query fails. Pass it to Done() after its last row.
+    QSqlQuery Select(const char* sql, const QVariant& value = {}) {
         if (!open) {
             return QSqlQuery();
         }
@@ -93,7 +96,35 @@ struct CHistoryStore::Private {
             query.addBindValue(value);
         }
         query.exec();
+        Done(query);
         return query;
+    }
+
+    /// Damage may show only when a query reaches the damaged pages: then history goes off.
+    void Done(QSqlQuery& query) {
+        if (IsDamage(query.lastError())) {
+            query = QSqlQuery();
+            Damaged();
+        }
+    }
+
+    /// Closes the database, moves the damaged file aside and says so.
+    void Damaged() {
+        Disconnect();
+        SetAside();
+        const QString where = setAside.isEmpty()
+                                  ? QStringLiteral("it could not be moved aside")
+                                  : QStringLiteral("it was kept as %1").arg(setAside);
+        error = QStringLiteral("History is off: the practice history %1 is damaged; %2.")
+                    .arg(path, where);
+    }
+
+    void Disconnect() {
+        open = false;
+        if (QSqlDatabase::contains(connection)) {
+            QSqlDatabase::database(connection, false).close();
+            QSqlDatabase::removeDatabase(connection);
+        }
     }
 
     /// Creates the schema or brings an older one up to kSchemaVersion, in one transaction.
@@ -193,28 +224,22 @@ bool CHistoryStore::Open(const QString& path) {
         }
     }
 
+    // The header and the schema page: a file that is no database fails here. Damage further
+    // in shows when a query reaches it (a full check would cost as much as reading everything).
     QSqlError failure;
     int version = -1;
     {
         QSqlQuery query(d->Database());
-        if (query.exec(QStringLiteral("PRAGMA quick_check")) && query.next() &&
-            query.value(0).toString() == QStringLiteral("ok") &&
+        if (query.exec(QStringLiteral("SELECT COUNT(*) FROM sqlite_master")) && query.next() &&
             query.exec(QStringLiteral("PRAGMA user_version")) && query.next()) {
             version = query.value(0).toInt();
-        } else if (query.lastError().isValid()) {
+        } else {
             failure = query.lastError();
         }
     }
-    const bool damaged =
-        version < 0 && (!failure.isValid() || failure.nativeErrorCode() == kNotADatabase ||
-                        failure.nativeErrorCode() == kCorrupt);
-    if (damaged) {
-        Close();
-        d->SetAside();
-        const QString where = d->setAside.isEmpty()
-                                  ? QStringLiteral("it could not be moved aside")
-                                  : QStringLiteral("it was kept as %1").arg(d->setAside);
-        return fail(QStringLiteral("the practice history %1 is damaged; %2.").arg(d->path, where));
+    if (IsDamage(failure)) {
+        d->Damaged();
+        return false;
     }
     if (version < 0) {
         return fail(QStringLiteral("cannot read %1: %2.").arg(d->path, failure.text()));
@@ -245,11 +270,7 @@ void CHistoryStore::Close() {
     if (d->open) {
         d->Exec({QStringLiteral("PRAGMA wal_checkpoint(PASSIVE)")});
     }
-    d->open = false;
-    if (QSqlDatabase::contains(d->connection)) {
-        QSqlDatabase::database(d->connection, false).close();
-        QSqlDatabase::removeDatabase(d->connection);
-    }
+    d->Disconnect();
 }
 
 bool CHistoryStore::IsOpen() const {
@@ -275,8 +296,15 @@ qint64 CHistoryStore::Save(const CopySessionInfo& info, const CopyScore& score) 
     }
     QSqlQuery query(d->Database());
     auto failed = [&]() {
-        d->error = QStringLiteral("The session was not saved: %1.").arg(query.lastError().text());
+        const QSqlError error = query.lastError();
         query.exec(QStringLiteral("ROLLBACK"));
+        if (IsDamage(error)) {
+            query = QSqlQuery();
+            d->Damaged();
+            d->error = QStringLiteral("The session was not saved: %1").arg(d->error);
+        } else {
+            d->error = QStringLiteral("The session was not saved: %1.").arg(error.text());
+        }
         return 0;
     };
     if (!query.exec(QStringLiteral("BEGIN IMMEDIATE"))) {
@@ -358,6 +386,7 @@ std::vector<StoredSession> CHistoryStore::Sessions(int limit) const {
             s.info.seconds > 0 ? s.correct * 60.0 / s.info.seconds / kCharactersPerWord : 0.0;
         sessions.push_back(std::move(s));
     }
+    d->Done(query);
     return sessions;
 }
 
@@ -378,6 +407,7 @@ std::vector<PracticeDay> CHistoryStore::Days() const {
         day.sessions = query.value(4).toInt();
         days.push_back(day);
     }
+    d->Done(query);
     return days;
 }
 
@@ -394,6 +424,7 @@ std::map<char, CharacterTally> CHistoryStore::RecentCharacters(int sessions) con
                                                       query.value(2).toInt()};
         }
     }
+    d->Done(query);
     return characters;
 }
 
@@ -411,6 +442,7 @@ std::vector<Confusion> CHistoryStore::MostConfused(int limit) const {
                 {sent.at(0).toLatin1(), taken.at(0).toLatin1(), query.value(2).toInt()});
         }
     }
+    d->Done(query);
     return confusions;
 }
 
@@ -436,6 +468,7 @@ int CHistoryStore::Streak(const QDate& today) const {
         ++streak;
         expected = day.addDays(-1);
     }
+    d->Done(query);
     return streak;
 }
 

@@ -56,7 +56,8 @@ struct Confusion {
 /// The practice history: every checked session in a local SQLite database (WAL mode, a busy
 /// timeout, one transaction per session), so two running trainers share it safely. When the
 /// database cannot be opened the store stays closed, says why once in ErrorText(), and every
-/// query answers empty; a corrupt file is first moved aside under a new name, never deleted.
+/// query answers empty. A damaged file, found on opening or by any later query or save, is moved
+/// aside under a new name (never deleted) and history goes off: check IsOpen() after a query.
 /// One store is used from one thread.
 class CHistoryStore {
 public:
