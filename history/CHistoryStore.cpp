@@ -45,8 +45,12 @@ constexpr const char* kSchemaVersion2[] = {
     "UPDATE sessions SET missed = sent_count - correct",
     "CREATE TABLE confusions(session INTEGER NOT NULL REFERENCES sessions(id) ON DELETE CASCADE,"
     " sent TEXT NOT NULL, taken TEXT NOT NULL, count INTEGER NOT NULL)",
+    // Totals the progress window reads without going through every session.
+    "CREATE TABLE confusion_totals(sent TEXT NOT NULL, taken TEXT NOT NULL,"
+    " count INTEGER NOT NULL, PRIMARY KEY(sent, taken)) WITHOUT ROWID",
     "CREATE INDEX characters_session ON characters(session)",
-    "CREATE INDEX sessions_day ON sessions(day)",
+    "CREATE INDEX sessions_day ON sessions(day, correct, sent_count, extra, seconds)",
+    "CREATE INDEX sessions_lesson ON sessions(lesson)",
 };
 
 QString CsvField(QString text) {
@@ -295,11 +299,13 @@ qint64 CHistoryStore::Save(const CopySessionInfo& info, const CopyScore& score) 
         return 0;
     }
     QSqlQuery query(d->Database());
-    auto failed = [&]() {
-        const QSqlError error = query.lastError();
+    QSqlQuery totals(d->Database());
+    auto failed = [&](const QSqlQuery& failing) {
+        const QSqlError error = failing.lastError();
         query.exec(QStringLiteral("ROLLBACK"));
         if (IsDamage(error)) {
             query = QSqlQuery();
+            totals = QSqlQuery();
             d->Damaged();
             d->error = QStringLiteral("The session was not saved: %1").arg(d->error);
         } else {
@@ -308,7 +314,7 @@ qint64 CHistoryStore::Save(const CopySessionInfo& info, const CopyScore& score) 
         return 0;
     };
     if (!query.exec(QStringLiteral("BEGIN IMMEDIATE"))) {
-        return failed();
+        return failed(query);
     }
     query.prepare(QStringLiteral(
         "INSERT INTO sessions(started, day, seconds, wpm, farnsworth, pitch, lesson, sent, "
@@ -325,7 +331,7 @@ qint64 CHistoryStore::Save(const CopySessionInfo& info, const CopyScore& score) 
         query.addBindValue(value);
     }
     if (!query.exec()) {
-        return failed();
+        return failed(query);
     }
     const qint64 id = query.lastInsertId().toLongLong();
 
@@ -337,22 +343,33 @@ qint64 CHistoryStore::Save(const CopySessionInfo& info, const CopyScore& score) 
         query.addBindValue(tally.sent);
         query.addBindValue(tally.correct);
         if (!query.exec()) {
-            return failed();
+            return failed(query);
         }
     }
     query.prepare(
         QStringLiteral("INSERT INTO confusions(session, sent, taken, count) VALUES(?, ?, ?, ?)"));
+    totals.prepare(
+        QStringLiteral("INSERT INTO confusion_totals(sent, taken, count) VALUES(?, ?, ?) "
+                       "ON CONFLICT(sent, taken) DO UPDATE SET count = count + excluded.count"));
     for (const auto& [pair, count] : score.confusions) {
+        const QString sent(QLatin1Char(pair.first));
+        const QString taken(QLatin1Char(pair.second));
         query.addBindValue(id);
-        query.addBindValue(QString(QLatin1Char(pair.first)));
-        query.addBindValue(QString(QLatin1Char(pair.second)));
+        query.addBindValue(sent);
+        query.addBindValue(taken);
         query.addBindValue(count);
+        totals.addBindValue(sent);
+        totals.addBindValue(taken);
+        totals.addBindValue(count);
         if (!query.exec()) {
-            return failed();
+            return failed(query);
+        }
+        if (!totals.exec()) {
+            return failed(totals);
         }
     }
     if (!query.exec(QStringLiteral("COMMIT"))) {
-        return failed();
+        return failed(query);
     }
     d->error.clear();
     return id;
@@ -431,8 +448,7 @@ std::map<char, CharacterTally> CHistoryStore::RecentCharacters(int sessions) con
 std::vector<Confusion> CHistoryStore::MostConfused(int limit) const {
     std::vector<Confusion> confusions;
     QSqlQuery query = d->Select(
-        "SELECT sent, taken, SUM(count) AS times FROM confusions GROUP BY sent, taken "
-        "ORDER BY times DESC, sent, taken LIMIT ?",
+        "SELECT sent, taken, count FROM confusion_totals ORDER BY count DESC, sent, taken LIMIT ?",
         limit);
     while (query.next()) {
         const QString sent = query.value(0).toString();
