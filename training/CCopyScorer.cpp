@@ -9,8 +9,8 @@ namespace {
 
 // The first band reaches this many diagonals beyond the lengths' difference either side.
 constexpr std::size_t kFirstBand = 32;
-// No more cells than this in one band (one byte each for the way back): some 20 ms of work.
-constexpr std::size_t kMaxCells = std::size_t{6} << 20;
+// No more cells than this in one band (one byte each for the way back): some 15 ms of work.
+constexpr std::size_t kMaxCells = std::size_t{4} << 20;
 // However long the texts, the copy is aligned against at least this much more or less text.
 constexpr std::size_t kMinSlack = 256;
 constexpr int kImpossible = 1 << 29;
