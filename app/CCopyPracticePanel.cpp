@@ -60,9 +60,9 @@ CCopyPracticePanel::CCopyPracticePanel(CTonwerkDoc& doc, CTonwerkView& view,
     m_checkAction->setShortcut(QKeySequence(tr("Ctrl+K")));
     m_checkAction->setStatusTip(tr("Mark what you copied against what was sent"));
     addAction(m_checkAction);
-    m_checkButton = new QPushButton(tr("Check"), body);
-    m_checkButton->setObjectName("buttonCheck");
-    m_checkButton->setToolTip(tr("Mark what you copied against what was sent (Ctrl+K)"));
+    auto* checkButton = new QPushButton(tr("Check"), body);
+    checkButton->setObjectName("buttonCheck");
+    checkButton->setToolTip(tr("Mark what you copied against what was sent (Ctrl+K)"));
     m_result = new CCopyResultView(body);
     m_result->setObjectName("copyResult");
     auto* scroll = new QScrollArea(body);
@@ -74,7 +74,7 @@ CCopyPracticePanel::CCopyPracticePanel(CTonwerkDoc& doc, CTonwerkView& view,
 
     auto* top = new QHBoxLayout;
     top->addWidget(m_hideCheck, 1);
-    top->addWidget(m_checkButton);
+    top->addWidget(checkButton);
     auto* layout = new QVBoxLayout(body);
     layout->addLayout(top);
     layout->addWidget(m_copyEdit);
@@ -83,7 +83,7 @@ CCopyPracticePanel::CCopyPracticePanel(CTonwerkDoc& doc, CTonwerkView& view,
     setWidget(body);
 
     connect(m_checkAction, &QAction::triggered, this, &CCopyPracticePanel::OnCheck);
-    connect(m_checkButton, &QPushButton::clicked, this, &CCopyPracticePanel::OnCheck);
+    connect(checkButton, &QPushButton::clicked, this, &CCopyPracticePanel::OnCheck);
     connect(m_hideCheck, &QCheckBox::toggled, this, [this](bool on) {
         m_doc.Settings().Profile().WriteInt(kSection, kHideEntry, on ? 1 : 0);
         if (m_listening) {

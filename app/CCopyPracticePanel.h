@@ -17,7 +17,6 @@ class QAction;
 class QCheckBox;
 class QLabel;
 class QPlainTextEdit;
-class QPushButton;
 
 /// View > Copy Practice: the learner types what they hear while Listen runs; when the run ends
 /// (or on Check, Ctrl+K) the copy is aligned against what was sent and every character is marked,
@@ -68,7 +67,6 @@ private:
 
     QCheckBox* m_hideCheck = nullptr;
     QPlainTextEdit* m_copyEdit = nullptr;
-    QPushButton* m_checkButton = nullptr;
     QAction* m_checkAction = nullptr;
     CCopyResultView* m_result = nullptr;
     QLabel* m_summary = nullptr;
