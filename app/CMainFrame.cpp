@@ -15,6 +15,7 @@
 #include <QToolBar>
 
 #include "app/CAboutDlg.h"
+#include "app/CCopyPracticePanel.h"
 #include "app/CLockIndicators.h"
 #include "app/CModalSeam.h"
 #include "app/CTonwerkDoc.h"
@@ -75,12 +76,14 @@ CMainFrame::CMainFrame(IProfile& profile, QWidget* parent)
     CreateActions();
     CreateToolBar();
     CreateStatusBar();
+    CreateCopyPractice();
     CreateMenus();
     const std::string state = m_profile.GetString(kBarStateSection, kBarStateEntry, "");
     if (!state.empty()) {
         restoreState(QByteArray::fromBase64(QByteArray::fromStdString(state)));
     }
     Action(kViewStatusBar)->setChecked(m_profile.GetInt(kBarStateSection, kStatusBarEntry, 1) != 0);
+    m_copyPanel->RestoreOpen();
     ResetProgress();
 
     connect(m_doc, &CTonwerkDoc::TitleChanged, this,
@@ -258,6 +261,8 @@ void CMainFrame::CreateMenus() {
     view->addActions({Action(kViewToolbar), Action(kViewStatusBar)});
     view->addSeparator();
     view->addActions({Action(kVolumeControl), Action(kCompletionTime)});
+    view->addSeparator();
+    view->addActions({m_copyPanel->toggleViewAction(), Action(kViewProgress)});
     QMenu* random = bar->addMenu(tr("&Random"));
     random->addActions({Action(kAllOn), Action(kAllOff)});
     random->addSeparator();
@@ -269,8 +274,11 @@ void CMainFrame::CreateMenus() {
     random->addActions({Action(kNumbersToggle), Action(kProSignsToggle), Action(kDoubleSpace)});
     random->addSeparator();
     random->addAction(Action(kCallSigns));
+    random->addSeparator();
+    random->addAction(Action(kKochLesson));
     QMenu* recheck = bar->addMenu(tr("R&echeck"));
     recheck->addAction(Action(kReadBack));
+    recheck->addAction(m_copyPanel->CheckAction());
     QMenu* help = bar->addMenu(tr("&Help"));
     help->addAction(Action(kAppAbout));
 }

@@ -6,6 +6,10 @@
 #include <QRect>
 #include <memory>
 
+class CCopyPracticePanel;
+class CKochTrainer;
+class CPracticeHistory;
+class CProgressWindow;
 class CStatusProgress;
 class CTonwerkDoc;
 class CTonwerkView;
@@ -59,6 +63,8 @@ public:
         kCallSigns = 32793,
         kDoubleSpace = 32785
     };
+    /// Command ids of the copy practice.
+    enum CopyCommand { kKochLesson = 32800, kViewProgress = 32801 };
 
     explicit CMainFrame(IProfile& profile, QWidget* parent = nullptr);
     ~CMainFrame() override;
@@ -67,6 +73,10 @@ public:
     CTonwerkView* View() const { return m_view; }
     QAction* Action(int command) const { return m_actions.value(command); }
     CStatusProgress* Progress() const { return m_pProgress; }
+    CCopyPracticePanel* CopyPanel() const { return m_copyPanel; }
+    CKochTrainer* KochTrainer() const { return m_koch; }
+    /// View > Progress: shows the progress window, read afresh, and returns it.
+    CProgressWindow* OnProgress();
 
     /// Replaces the status-bar progress bar with a fresh one and returns it.
     CStatusProgress* ResetProgress();
@@ -100,6 +110,8 @@ private:
     QAction* AddAction(int command, const QString& text, const QString& prompt,
                        const char* icon = nullptr);
     void OnAbout();
+    /// The copy-practice panel, the Koch course and the progress window (CMainFrameCopy.cpp).
+    void CreateCopyPractice();
 
     IProfile& m_profile;
     QRect m_rectWindow;
@@ -110,4 +122,8 @@ private:
     QWidget* m_progressPane = nullptr;
     CStatusProgress* m_pProgress = nullptr;
     QHash<int, QAction*> m_actions;
+    CPracticeHistory* m_history = nullptr;
+    CKochTrainer* m_koch = nullptr;
+    CCopyPracticePanel* m_copyPanel = nullptr;
+    CProgressWindow* m_progressWindow = nullptr;
 };

@@ -161,6 +161,10 @@ public:
 signals:
     /// A posted sound message arrived (kAppMessage + 1 .. + 4).
     void AppMessage(unsigned message);
+    /// Listen started keying sentText, the practice text in the plain form that is keyed.
+    void ListeningStarted(const QString& sentText);
+    /// A run ended or was stopped (also sent for a generated file's run).
+    void ListeningFinished();
 
 protected:
     bool event(QEvent* event) override;

@@ -88,6 +88,7 @@ void CTonwerkView::OnListen() {
     m_clockTimer.start(kClockPeriodMs, this);
     m_sessionStart = NowSeconds();
     EnableSessionControls(false);
+    emit ListeningStarted(QString::fromLatin1(KeyedText()));
 }
 
 void CTonwerkView::OnNextCharacter() {
@@ -133,6 +134,7 @@ void CTonwerkView::OnSessionFinished() {
     }
     EnableSessionControls(true);
     m_clockTimer.stop();
+    emit ListeningFinished();
 }
 
 void CTonwerkView::OnClockTick() {

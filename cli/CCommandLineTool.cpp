@@ -18,6 +18,7 @@
 
 #include "audio/INotifyTarget.h"
 #include "audio/WaveAudio.h"
+#include "cli/CCopyCommands.h"
 #include "model/CCrtRandom.h"
 #include "model/CMorseAlphabet.h"
 #include "model/CProfileSettings.h"
@@ -26,6 +27,7 @@
 #include "model/CompletionEstimate.h"
 #include "sound/CCodeSoundGen.h"
 #include "sound/CCodeWaveGen.h"
+#include "training/CKochCourse.h"
 
 namespace {
 
@@ -110,6 +112,25 @@ const std::vector<CCommandLineTool::Command>& CCommandLineTool::Commands() {
          {"--wpm", "--farnsworth", "--pitch"},
          {},
          &CCommandLineTool::Play},
+        {"score",
+         "score --sent TEXT --copy TEXT",
+         "Check a copy against the text sent: the two aligned lines ('.' right, '-' missed,\n"
+         "      '+' over an extra character, a wrong one as typed), then the accuracy.",
+         {"--sent", "--copy"},
+         {},
+         &CCommandLineTool::Score},
+        {"koch",
+         "koch --lesson N [--count N] [--size N] [--seed S]",
+         "Print Koch lesson groups (lesson 1 to 39), the newest character drawn twice as often.",
+         {"--lesson", "--count", "--size", "--seed"},
+         {},
+         &CCommandLineTool::Koch},
+        {"history",
+         "history [--csv] [--database FILE]",
+         "List the stored copy-practice sessions, newest first, or all of them as CSV.",
+         {"--database"},
+         {"--csv"},
+         &CCommandLineTool::History},
     };
     return commands;
 }
@@ -457,4 +478,30 @@ int CCommandLineTool::Play(Options& options) {
     std::signal(SIGINT, previous);
     m_out << '\n';
     return stopped ? kExitInterrupted : kExitOk;
+}
+
+int CCommandLineTool::Score(Options& options) {
+    return CopyCommands::Score(options.values, m_out, m_err);
+}
+
+int CCommandLineTool::Koch(Options& options) {
+    constexpr long long kDefaultGroups = 20;
+    constexpr long long kDefaultGroupSize = 5;
+    CNumber number(options, m_err);
+    const auto lesson = number.Get("--lesson", CKochCourse::kFirstLesson, CKochCourse::kLastLesson);
+    const auto count = number.Get("--count", 0, kMaxGroups, kDefaultGroups);
+    const auto size = number.Get("--size", 1, kMaxGroupSize, kDefaultGroupSize);
+    const auto seed = number.Get("--seed", 0, kSeedLimit, m_clock());
+    if (number.Failed()) {
+        return kExitUsage;
+    }
+    CCrtRandom rng(static_cast<std::uint32_t>(*seed));
+    m_out << CKochCourse::Groups(static_cast<int>(*lesson), static_cast<int>(*count),
+                                 static_cast<int>(*size), rng)
+          << '\n';
+    return kExitOk;
+}
+
+int CCommandLineTool::History(Options& options) {
+    return CopyCommands::History(options.values, options.Has("--csv"), m_out, m_err);
 }

@@ -35,6 +35,9 @@ private:
     int CallSigns(Options& options);
     int Wav(Options& options);
     int Play(Options& options);
+    int Score(Options& options);
+    int Koch(Options& options);
+    int History(Options& options);
 
     int Usage(std::string_view message);
     std::string TextArgument(const Options& options);
