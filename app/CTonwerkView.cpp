@@ -89,7 +89,10 @@ CTonwerkView::CTonwerkView(CTonwerkDoc* doc, CMainFrame* frame, QWidget* parent)
     CreateControls();
 }
 
-CTonwerkView::~CTonwerkView() = default;
+CTonwerkView::~CTonwerkView() {
+    // Before any member goes: the worker steps the session's progress and posts to this view.
+    m_soundGen.Quit();
+}
 
 QWidget* CTonwerkView::Register(QWidget* widget, int id, const char* name) {
     widget->setProperty("controlId", id);
@@ -785,6 +788,10 @@ bool CTonwerkView::event(QEvent* event) {
             case kAppMessage + 3:
             case kAppMessage + 4:
                 OnTone(message == kAppMessage + 4);
+                break;
+            case CCodeSoundGen::kOutputLost:
+            case CCodeSoundGen::kOutputBack:
+                OnSoundOutput(message == CCodeSoundGen::kOutputBack);
                 break;
             default:
                 break;  // the worker's registered completion notice needs nothing

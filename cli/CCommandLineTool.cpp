@@ -400,6 +400,7 @@ int CCommandLineTool::Play(Options& options) {
         return kExitOk;
     }
 
+    bool silent = false;  // said so already
     if (*pitch > 0) {
         WaveFormat format;
         format.channels = 1;
@@ -414,6 +415,7 @@ int CCommandLineTool::Play(Options& options) {
             m_err << kProgram << " play: no sound output ("
                   << (reason.empty() ? "error " + std::to_string(probe) : reason)
                   << "); keying silently\n";
+            silent = true;
         }
     }
 
@@ -450,7 +452,14 @@ int CCommandLineTool::Play(Options& options) {
                 m_out << text[next++];
             }
             m_out.flush();
-        } else if (message == kAppMessage + 1) {
+        } else if (message == CCodeSoundGen::kOutputLost && !silent) {
+            m_err << kProgram << " play: the sound output was lost; keying silently\n";
+            silent = true;
+        } else if (message == CCodeSoundGen::kOutputBack) {
+            m_err << kProgram << " play: the sound output is back\n";
+            silent = false;
+        } else if (message == kAppMessage + 1 || (stopped && message == 0)) {
+            // A stopped run posts nothing more: its characters shown, the run is over.
             break;
         }
     }

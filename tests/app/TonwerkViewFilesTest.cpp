@@ -253,6 +253,30 @@ private slots:
         QCOMPARE(QDir(remembered).entryList(QDir::Files), QStringList());
     }
 
+    // A recorded session stopped by hand ends once: one save dialog, the whole recording in the
+    // file, and the toggle off so that the next Listen does not record unasked.
+    void recordedSessionStoppedByHandIsSavedOnce() {
+        DialogRun run;
+        const QString folder = TempPath(QStringLiteral("stopped"));
+        QVERIFY(QDir().mkpath(folder));
+        AnswerWaveFileDialog(run, true, QStringLiteral("stopped.wav"), folder);
+        Control<QTextEdit>(1002)->setPlainText(QString(20, QLatin1Char('E')));
+        Control<QSlider>(1003)->setValue(12);
+        RecordButton()->click();
+        auto* listen = Control<CImageButton>(1005);
+        listen->click();
+        QTest::qWait(1500);
+        listen->click();
+        QCOMPARE(run.shown, 1);
+        QTest::qWait(800);  // longer than the stopped run's closing gaps
+        QCOMPARE(run.shown, 1);
+        QVERIFY(!RecordButton()->isChecked());
+        QVERIFY(RecordButton()->isEnabled());
+        CWave saved;
+        QVERIFY(saved.Load((folder + QStringLiteral("/stopped.wav")).toStdString()));
+        QVERIFY2(saved.GetNumSamples() > 44100, qPrintable(QString::number(saved.GetNumSamples())));
+    }
+
     // A folder that cannot be written says so and offers the recording again instead of
     // dropping it; the second answer saves it.
     void unwritableFolderOffersTheRecordingAgain() {

@@ -3,40 +3,18 @@
 #include "audio/CPomelSyncPlay.h"
 #include "audio/CWaveIn.h"
 
+#include "../support/PulseServer.h"
 #include "RecordingTarget.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <csignal>
-#include <cstdlib>
-#include <fstream>
-#include <string>
 #include <thread>
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
-
-std::string Env(const char* name) {
-    const char* value = std::getenv(name);
-    return value != nullptr ? value : "";
-}
-
-void KillServer() {
-    std::ifstream pidFile(Env("PULSE_RUNTIME_PATH") + "/pid");
-    pid_t pid = 0;
-    ASSERT_TRUE(pidFile >> pid) << "no server pid file";
-    ASSERT_EQ(kill(pid, SIGKILL), 0);
-}
-
-void RestartServer() {
-    const std::string command = Env("TONWERK_SOURCE_DIR") +
-                                "/tests/support/pulse-fixture.sh start " + Env("XDG_RUNTIME_DIR") +
-                                " >/dev/null 2>&1";
-    ASSERT_EQ(std::system(command.c_str()), 0);
-}
 
 TEST(ServerLoss, CallsReturnWhenTheServerDiesAndOpenWorksAfterItIsBack) {
     RecordingTarget owner;
@@ -48,7 +26,7 @@ TEST(ServerLoss, CallsReturnWhenTheServerDiesAndOpenWorksAfterItIsBack) {
 
     std::thread killer([] {
         std::this_thread::sleep_for(300ms);
-        KillServer();
+        pulse_server::Kill();
     });
     auto start = Clock::now();
     const int during = player.PlayTone(600.0, 1.0);
@@ -72,7 +50,7 @@ TEST(ServerLoss, CallsReturnWhenTheServerDiesAndOpenWorksAfterItIsBack) {
     EXPECT_EQ(orphan.PlayTone(600.0, 0.1), 0);
     EXPECT_LT(Clock::now() - start, 1s);
 
-    RestartServer();
+    pulse_server::Restart();
     CPomelSyncPlay fresh;
     fresh.OpenDevice();
     ASSERT_EQ(fresh.GetLastResult(), kMmNoError);
@@ -87,13 +65,13 @@ TEST(ServerLoss, RecorderStopsWhenTheServerDies) {
     ASSERT_TRUE(recorder.Open()) << recorder.GetError();
     ASSERT_TRUE(recorder.Record(4096));
     std::this_thread::sleep_for(300ms);
-    KillServer();
+    pulse_server::Kill();
     std::this_thread::sleep_for(1500ms);
     const auto start = Clock::now();
     recorder.Close();
     EXPECT_LT(Clock::now() - start, 2s);
     EXPECT_GT(recorder.GetWave().GetNumSamples(), 0u);
-    RestartServer();
+    pulse_server::Restart();
 }
 
 }  // namespace
