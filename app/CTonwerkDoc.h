@@ -43,14 +43,16 @@ public:
 
     void OnFileNew();
     void OnFileOpen();
-    void OnFileSave();
-    void OnFileSaveAs();
+    /// @return true when the document was written
+    bool OnFileSave();
+    bool OnFileSaveAs();
     void OnConfig();
 
     /// Opens a file without a dialog (command line, dropped files). @return true when loaded.
     bool OpenFile(const QString& path);
 
-    /// Asks "Save Changes?" when modified. @return false when the user cancelled.
+    /// Asks "Save Changes?" when modified. @return false when the user cancelled or the save
+    /// they asked for did not happen.
     bool SaveModified();
 
 signals:

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/CTonwerkDoc.h"
 
-#include <sys/resource.h>
+#include <sys/stat.h>
 #include <QFile>
 #include <QTextEdit>
-#include <csignal>
+#include <cerrno>
+#include <cstring>
 
+#include "../support/FileSizeLimit.h"
 #include "AppTestFixture.h"
 #include "model/CCodeFile.h"
 
@@ -21,26 +23,6 @@ void WriteAll(const QString& path, const QByteArray& bytes) {
     QVERIFY(file.open(QIODevice::WriteOnly));
     QCOMPARE(file.write(bytes), bytes.size());
 }
-
-/// Files may not grow beyond a few bytes while it lives, as on a full disk.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) {
-        getrlimit(RLIMIT_FSIZE, &m_old);
-        m_oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-        rlimit limit = m_old;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &m_old);
-        std::signal(SIGXFSZ, m_oldHandler);
-    }
-
-private:
-    rlimit m_old{};
-    void (*m_oldHandler)(int) = nullptr;
-};
 
 }  // namespace
 
@@ -226,6 +208,45 @@ private slots:
         QCOMPARE(CModalSeam::Messages().size(), 1);
         QVERIFY(CModalSeam::Messages().constFirst().startsWith(QStringLiteral("Cannot save")));
         QVERIFY(Doc().IsModified());
+    }
+
+    // "Save Changes?" answered Yes on closing: a save that fails keeps the window and the edits,
+    // and the message gives the real reason.
+    void closingWithAFailedSaveKeepsTheWindow_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("fullDisk");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("full disk") << "full.code" << true << QString::fromLatin1(strerror(EFBIG));
+        // A folder that is a regular file fails even for root, as a read-only one would.
+        QTest::newRow("folder cannot hold it") << "file/inside.code" << false << QString();
+        QTest::newRow("save as cancelled") << QString() << false << QString();
+    }
+
+    void closingWithAFailedSaveKeepsTheWindow() {
+        QFETCH(QString, name);
+        QFETCH(bool, fullDisk);
+        QFETCH(QString, reason);
+        WriteAll(TempPath("file"), "x");
+        Practice()->setPlainText(QString(400, QLatin1Char('E')));
+        QVERIFY(Doc().IsModified());
+        CModalSeam::QueueButton(QMessageBox::Yes);
+        if (!name.isEmpty()) {
+            CModalSeam::QueueFileName(TempPath(name));
+        }
+        bool closed = true;
+        {
+            const FileSizeLimit full(fullDisk ? 64 : RLIM_INFINITY);
+            closed = Frame().close();
+        }
+        QVERIFY(!closed);
+        QVERIFY(Doc().IsModified());
+        QCOMPARE(Practice()->toPlainText(), QString(400, QLatin1Char('E')));
+        QCOMPARE(CModalSeam::Messages().size(), name.isEmpty() ? 1 : 2);
+        if (!name.isEmpty()) {
+            QVERIFY(CModalSeam::Messages().at(1).startsWith(QStringLiteral("Cannot save")));
+            QVERIFY2(CModalSeam::Messages().at(1).endsWith(reason),
+                     qPrintable(CModalSeam::Messages().at(1)));
+        }
     }
 
     void saveAsCancelledWritesNothing() {
