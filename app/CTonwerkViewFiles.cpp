@@ -71,6 +71,10 @@ void CTonwerkView::OnGenerateFile() {
     m_waveGen.SetRecordingGate(&m_waveGenGate);
     if (!fileName.isEmpty()) {
         m_waveGen.GenerateFile();
+        if (!m_waveGen.LastError().empty()) {
+            CModalSeam::Message(this, tr("The wave file was not generated: %1")
+                                          .arg(QString::fromStdString(m_waveGen.LastError())));
+        }
     }
 }
 

@@ -11,10 +11,13 @@
 #include <QSignalSpy>
 #include <QSlider>
 #include <QTextEdit>
+#include <cerrno>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <thread>
 
+#include "../support/FileSizeLimit.h"
 #include "AppTestFixture.h"
 #include "app/CWaveFileDlg.h"
 #include "audio/CPomelSyncPlay.h"
@@ -179,6 +182,34 @@ private slots:
         QVERIFY(cli.waitForFinished(60000));
         QCOMPARE(cli.exitCode(), 0);
         QCOMPARE(written, ReadAll(cliFile));
+    }
+
+    // Generate File that cannot write says why and leaves no file claiming to be a WAV.
+    void generateFileThatFailsSaysWhy_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("fullDisk");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("folder is a file") << "file/inside.wav" << false << "cannot create";
+        QTest::newRow("full disk") << "full.wav" << true << QString::fromLatin1(strerror(EFBIG));
+    }
+
+    void generateFileThatFailsSaysWhy() {
+        QFETCH(QString, name);
+        QFETCH(bool, fullDisk);
+        QFETCH(QString, reason);
+        QFile file(TempPath(QStringLiteral("file")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.close();
+        Control<QTextEdit>(1002)->setPlainText(QString(200, QLatin1Char('0')));
+        CModalSeam::QueueFileName(TempPath(name));
+        {
+            const FileSizeLimit full(fullDisk ? 4096 : RLIM_INFINITY);
+            GenerateFile();
+        }
+        QCOMPARE(CModalSeam::Messages().size(), 1);
+        QVERIFY2(CModalSeam::Messages().constFirst().contains(reason),
+                 qPrintable(CModalSeam::Messages().constFirst()));
+        QVERIFY(!QFile::exists(TempPath(name)));
     }
 
     void recordedSessionIsSavedAndRemembered() {
