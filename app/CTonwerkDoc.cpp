@@ -91,6 +91,20 @@ bool CTonwerkDoc::OpenFile(const QString& path) {
     if (!info.exists()) {
         return false;
     }
+    // A FIFO or a device would block or never end, and no practice text is anywhere near this
+    // large: both are refused before a byte is read.
+    if (!info.isFile()) {
+        CModalSeam::Message(DialogParent(), tr("%1 is not a Tonwerk practice file: not a file")
+                                                .arg(QDir::toNativeSeparators(path)));
+        return false;
+    }
+    if (info.size() > kMaxFileBytes) {
+        CModalSeam::Message(DialogParent(),
+                            tr("%1 is too large for a practice document (more than %2 MB).")
+                                .arg(QDir::toNativeSeparators(path))
+                                .arg(kMaxFileBytes >> 20));
+        return false;
+    }
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         CModalSeam::Message(

@@ -18,6 +18,8 @@ class CTonwerkDoc : public QObject {
 
 public:
     static constexpr const char* kFilter = "All code files (*.code)";
+    /// Larger files are refused unread.
+    static constexpr qint64 kMaxFileBytes = qint64{16} << 20;
 
     explicit CTonwerkDoc(IProfile& profile, QObject* parent = nullptr);
 

@@ -187,6 +187,36 @@ private slots:
         QVERIFY(Doc().PathName().isEmpty());
     }
 
+    // What is not a regular file of a sane size is refused at once, without reading it: a FIFO
+    // nobody writes to would block for ever, a device would never end.
+    void openOfSomethingThatIsNoDocumentIsRefusedAtOnce_data() {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("said");
+        QTest::newRow("fifo") << TempPath("pipe.code") << "not a file";
+        QTest::newRow("device") << "/dev/zero"
+                                << "not a file";
+        QTest::newRow("folder") << TempPath(QString()) << "not a file";
+        QTest::newRow("over 16 MB") << TempPath("huge.code") << "more than 16 MB";
+    }
+
+    void openOfSomethingThatIsNoDocumentIsRefusedAtOnce() {
+        QFETCH(QString, path);
+        QFETCH(QString, said);
+        QFile::remove(TempPath("pipe.code"));
+        QCOMPARE(mkfifo(QFile::encodeName(TempPath("pipe.code")).constData(), 0600), 0);
+        QFile huge(TempPath("huge.code"));
+        QVERIFY(huge.open(QIODevice::WriteOnly));
+        QVERIFY(huge.resize(CTonwerkDoc::kMaxFileBytes + 1));
+        huge.close();
+        Practice()->setPlainText("KEEP");
+        Doc().SetModifiedFlag(false);
+        QVERIFY(!Doc().OpenFile(path));
+        QCOMPARE(CModalSeam::Messages().size(), 1);
+        QVERIFY2(CModalSeam::Messages().constFirst().contains(said),
+                 qPrintable(CModalSeam::Messages().constFirst()));
+        QCOMPARE(Practice()->toPlainText(), QStringLiteral("KEEP"));
+    }
+
     void aFailedSaveKeepsTheOldFile() {
         const QString path = TempPath("kept.code");
         Practice()->setPlainText("OLD");
