@@ -2,6 +2,7 @@
 #include "app/CTonwerkDoc.h"
 
 #include <sys/stat.h>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTextEdit>
 #include <cerrno>
@@ -215,6 +216,24 @@ private slots:
         QVERIFY2(CModalSeam::Messages().constFirst().contains(said),
                  qPrintable(CModalSeam::Messages().constFirst()));
         QCOMPARE(Practice()->toPlainText(), QStringLiteral("KEEP"));
+    }
+
+    // A practice line of 1 MB without a blank shows at once (Qt took minutes to lay it out
+    // wrapped at word boundaries); a text with words still wraps between them.
+    void aLineWithoutBlanksShowsAtOnce() {
+        CodeDocument document;
+        document.practiceText.assign(std::size_t{1} << 20, 'E');
+        const QString path = TempPath("line.code");
+        WriteAll(path, QByteArray::fromStdString(CCodeFile::Write(document)));
+        Frame().show();
+        QElapsedTimer shown;
+        shown.start();
+        QVERIFY(Doc().OpenFile(path));
+        Frame().grab();
+        QVERIFY2(shown.elapsed() < 30000, qPrintable(QString::number(shown.elapsed())));
+        QCOMPARE(Practice()->wordWrapMode(), QTextOption::WrapAnywhere);
+        View().SetTexts(QStringLiteral("PARIS PARIS"), QString());
+        QCOMPARE(Practice()->wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
     }
 
     void aFailedSaveKeepsTheOldFile() {
