@@ -189,10 +189,14 @@ int CCodeSoundGen::StartStop() {
     run->progress = m_progress;
     run->generation = ++m_generation;
     m_running.store(run->generation);
+    // A stopped run may still be finishing its last tone: the new worker waits for it before
+    // touching the player, so the user-interface thread never blocks here. Nobody hears the
+    // rest of a silent one, which ends at once.
+    if (m_run) {
+        m_run->Quit();
+    }
     m_run = run;
 
-    // A stopped run may still be finishing its last tone: the new worker waits for it before
-    // touching the player, so the user-interface thread never blocks here.
     std::shared_ptr<std::thread> previous = std::move(m_thread);
     auto started = BeginThread([this, run, previous] {
         if (previous && previous->joinable()) {
@@ -202,6 +206,7 @@ int CCodeSoundGen::StartStop() {
     });
     if (!started) {
         m_thread = std::move(previous);
+        m_running.store(0);
         return 0;
     }
     m_thread = std::make_shared<std::thread>(std::move(*started));
