@@ -6,13 +6,17 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFontMetrics>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QScreen>
 #include <QScrollArea>
 #include <QStatusBar>
 #include <QToolBar>
+#include <algorithm>
+#include <cstdint>
 
 #include "app/CAboutDlg.h"
 #include "app/CCopyPracticePanel.h"
@@ -47,6 +51,38 @@ protected:
         return event->type() == QEvent::ToolTip || QObject::eventFilter(watched, event);
     }
 };
+
+/// The stored rectangle moved onto the screen nearest to it and no larger than that screen's
+/// free area, so a placement from another monitor setup (or a broken profile) can neither hide
+/// the window nor give it a size the window system cannot handle. Computed in 64 bits: stored
+/// values may be anything an int holds.
+QRect OnNearestScreen(std::int64_t x, std::int64_t y, std::int64_t w, std::int64_t h) {
+    const QList<QScreen*> screens = QGuiApplication::screens();
+    if (screens.isEmpty()) {
+        return QRect(static_cast<int>(x), static_cast<int>(y), static_cast<int>(w),
+                     static_cast<int>(h));
+    }
+    const auto distance = [&](const QRect& area) {
+        const auto gap = [](std::int64_t from, std::int64_t to, std::int64_t low,
+                            std::int64_t high) {
+            return to < low ? low - to : from > high ? from - high : std::int64_t{0};
+        };
+        return gap(x, x + w - 1, area.left(), area.right()) +
+               gap(y, y + h - 1, area.top(), area.bottom());
+    };
+    QRect area = screens.constFirst()->availableGeometry();
+    for (const QScreen* screen : screens) {
+        if (distance(screen->availableGeometry()) < distance(area)) {
+            area = screen->availableGeometry();
+        }
+    }
+    const std::int64_t width = std::clamp<std::int64_t>(w, 1, area.width());
+    const std::int64_t height = std::clamp<std::int64_t>(h, 1, area.height());
+    const std::int64_t left = std::clamp<std::int64_t>(x, area.left(), area.right() + 1 - width);
+    const std::int64_t top = std::clamp<std::int64_t>(y, area.top(), area.bottom() + 1 - height);
+    return QRect(static_cast<int>(left), static_cast<int>(top), static_cast<int>(width),
+                 static_cast<int>(height));
+}
 
 bool InPlacementRange(int value) {
     // As an unsigned difference, so zero and negative values fail along with the large ones.
@@ -105,10 +141,10 @@ void CMainFrame::RestorePlacement() {
     const int y = m_profile.GetInt(kWindowSettings, "TopLeftY", kDefaultY);
     const int w = m_profile.GetInt(kWindowSettings, "SizeX", kDefaultWidth);
     const int h = m_profile.GetInt(kWindowSettings, "SizeY", kDefaultHeight);
-    // No clamping: a stored value is used as it is.
-    move(x, y);
-    resize(w, h);
-    m_rectWindow = QRect(x, y, w, h);
+    const QRect placement = OnNearestScreen(x, y, w, h);
+    move(placement.topLeft());
+    resize(placement.size());
+    m_rectWindow = placement;
 }
 
 QAction* CMainFrame::AddAction(int command, const QString& text, const QString& prompt,

@@ -85,7 +85,8 @@ public:
     /// Puts a text in the message pane (pane 0) of the status bar.
     void SetMessageText(const QString& text);
 
-    /// Reads "WindowSettings" (200, 100, 875, 700 when absent) and places the frame there.
+    /// Reads "WindowSettings" (200, 100, 875, 700 when absent) and places the frame there, moved
+    /// onto the nearest screen and no larger than it.
     void RestorePlacement();
     /// The rectangle last seen for the frame, in screen coordinates.
     QRect WindowRect() const { return m_rectWindow; }

@@ -5,6 +5,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <cerrno>
+#include <cstring>
 
 #include "app/CModalSeam.h"
 #include "app/CPropSheet.h"
@@ -56,10 +58,8 @@ bool CTonwerkDoc::SaveModified() {
     if (answer == QMessageBox::Cancel) {
         return false;
     }
-    if (answer == QMessageBox::Yes) {
-        OnFileSave();
-    }
-    return true;
+    // A save that fails or is cancelled keeps the document, and with it the window.
+    return answer != QMessageBox::Yes || OnFileSave();
 }
 
 void CTonwerkDoc::OnFileNew() {
@@ -89,6 +89,20 @@ void CTonwerkDoc::OnFileOpen() {
 bool CTonwerkDoc::OpenFile(const QString& path) {
     const QFileInfo info(path);
     if (!info.exists()) {
+        return false;
+    }
+    // A FIFO or a device would block or never end, and no practice text is anywhere near this
+    // large: both are refused before a byte is read.
+    if (!info.isFile()) {
+        CModalSeam::Message(DialogParent(), tr("%1 is not a Tonwerk practice file: not a file")
+                                                .arg(QDir::toNativeSeparators(path)));
+        return false;
+    }
+    if (info.size() > kMaxFileBytes) {
+        CModalSeam::Message(DialogParent(),
+                            tr("%1 is too large for a practice document (more than %2 MB).")
+                                .arg(QDir::toNativeSeparators(path))
+                                .arg(kMaxFileBytes >> 20));
         return false;
     }
     QFile file(path);
@@ -130,42 +144,48 @@ bool CTonwerkDoc::WriteFile(const QString& path) {
     QSaveFile file(path);
     // Unbuffered, so a short write (full disk, file size limit) shows at once and the temporary
     // file is thrown away instead of replacing the old one.
+    errno = 0;
     if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) ||
         file.write(bytes.data(), static_cast<qint64>(bytes.size())) !=
             static_cast<qint64>(bytes.size()) ||
         !file.commit()) {
+        // The reason first: cancelling replaces it with its own text. A write cut short is no
+        // error to the file, but the system said why it stopped.
+        const int systemError = errno;
+        const QString reason = file.error() == QFileDevice::NoError && systemError != 0
+                                   ? QString::fromLocal8Bit(std::strerror(systemError))
+                                   : file.errorString();
         file.cancelWriting();
-        CModalSeam::Message(
-            DialogParent(),
-            tr("Cannot save %1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
+        CModalSeam::Message(DialogParent(),
+                            tr("Cannot save %1: %2").arg(QDir::toNativeSeparators(path), reason));
         return false;
     }
     return true;
 }
 
-void CTonwerkDoc::OnFileSave() {
+bool CTonwerkDoc::OnFileSave() {
     if (m_path.isEmpty()) {
-        OnFileSaveAs();
-        return;
+        return OnFileSaveAs();
     }
-    if (WriteFile(m_path)) {
-        SetTitle(m_fileName);
-        SetModifiedFlag(false);
+    if (!WriteFile(m_path)) {
+        return false;
     }
+    SetTitle(m_fileName);
+    SetModifiedFlag(false);
+    return true;
 }
 
-void CTonwerkDoc::OnFileSaveAs() {
+bool CTonwerkDoc::OnFileSaveAs() {
     const QString path =
         CModalSeam::SaveFileName(DialogParent(), m_title, QString::fromLatin1(kFilter), "code");
-    if (path.isEmpty()) {
-        return;
+    if (path.isEmpty() || !WriteFile(path)) {
+        return false;
     }
-    if (WriteFile(path)) {
-        m_path = path;
-        m_fileName = FileNameOf(path);
-        SetTitle(m_fileName);
-        SetModifiedFlag(false);
-    }
+    m_path = path;
+    m_fileName = FileNameOf(path);
+    SetTitle(m_fileName);
+    SetModifiedFlag(false);
+    return true;
 }
 
 void CTonwerkDoc::OnConfig() {

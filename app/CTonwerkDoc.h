@@ -18,6 +18,8 @@ class CTonwerkDoc : public QObject {
 
 public:
     static constexpr const char* kFilter = "All code files (*.code)";
+    /// Larger files are refused unread.
+    static constexpr qint64 kMaxFileBytes = qint64{16} << 20;
 
     explicit CTonwerkDoc(IProfile& profile, QObject* parent = nullptr);
 
@@ -43,14 +45,16 @@ public:
 
     void OnFileNew();
     void OnFileOpen();
-    void OnFileSave();
-    void OnFileSaveAs();
+    /// @return true when the document was written
+    bool OnFileSave();
+    bool OnFileSaveAs();
     void OnConfig();
 
     /// Opens a file without a dialog (command line, dropped files). @return true when loaded.
     bool OpenFile(const QString& path);
 
-    /// Asks "Save Changes?" when modified. @return false when the user cancelled.
+    /// Asks "Save Changes?" when modified. @return false when the user cancelled or the save
+    /// they asked for did not happen.
     bool SaveModified();
 
 signals:

@@ -95,7 +95,10 @@ CTonwerkView::CTonwerkView(CTonwerkDoc* doc, CMainFrame* frame, QWidget* parent)
     CreateControls();
 }
 
-CTonwerkView::~CTonwerkView() = default;
+CTonwerkView::~CTonwerkView() {
+    // Before any member goes: the worker steps the session's progress and posts to this view.
+    m_soundGen.Quit();
+}
 
 QWidget* CTonwerkView::Register(QWidget* widget, int id, const char* name) {
     widget->setProperty("controlId", id);
@@ -579,13 +582,41 @@ QString CTonwerkView::CodeText() const {
     return m_codeEdit->toPlainText();
 }
 
+namespace {
+
+/// No word is this long. A text with such a run offers no word boundary to wrap at, and Qt lays
+/// out one enormous line in minutes; it is wrapped anywhere instead.
+constexpr qsizetype kLongestWord = 200;
+
+QTextOption::WrapMode WrapFor(const QString& text) {
+    qsizetype run = 0;
+    for (const QChar c : text) {
+        run = c.isSpace() ? 0 : run + 1;
+        if (run > kLongestWord) {
+            return QTextOption::WrapAnywhere;
+        }
+    }
+    return QTextOption::WrapAtWordBoundaryOrAnywhere;
+}
+
+void ShowText(QTextEdit* edit, const QString& text) {
+    const QTextOption::WrapMode wrap = WrapFor(text);
+    if (edit->wordWrapMode() != wrap) {
+        edit->clear();  // the old text is not laid out again in the new way
+        edit->setWordWrapMode(wrap);
+    }
+    edit->setPlainText(text);
+}
+
+}  // namespace
+
 void CTonwerkView::SetTexts(const QString& practiceText, const QString& codeText) {
     const bool wasLoading = m_loadingTexts;
     m_loadingTexts = true;
     m_practiceText = practiceText;
     m_codeText = codeText;
-    m_practiceEdit->setPlainText(practiceText);
-    m_codeEdit->setPlainText(codeText);
+    ShowText(m_practiceEdit, practiceText);
+    ShowText(m_codeEdit, codeText);
     m_loadingTexts = wasLoading;
     OnCalculateCompletionTime();
 }
@@ -802,6 +833,10 @@ bool CTonwerkView::event(QEvent* event) {
             case kAppMessage + 3:
             case kAppMessage + 4:
                 OnTone(message == kAppMessage + 4);
+                break;
+            case CCodeSoundGen::kOutputLost:
+            case CCodeSoundGen::kOutputBack:
+                OnSoundOutput(message == CCodeSoundGen::kOutputBack);
                 break;
             default:
                 break;  // the worker's registered completion notice needs nothing

@@ -159,7 +159,7 @@ public:
     void FinishSessionRecording();
 
 signals:
-    /// A posted sound message arrived (kAppMessage + 1 .. + 4).
+    /// A posted sound message arrived (kAppMessage + 1 .. + 6).
     void AppMessage(unsigned message);
     /// Listen started keying sentText, the practice text in the plain form that is keyed.
     void ListeningStarted(const QString& sentText);
@@ -187,6 +187,8 @@ private:
     void OnNextCharacter();
     /// The key lamp follows a tone when it is animated, below 25 words per minute or muted.
     void OnTone(bool on);
+    /// The session's sound output was lost (the run keys on silently) or is back.
+    void OnSoundOutput(bool back);
     void OnClockTick();
     /// The controls that stay disabled while a session runs.
     void EnableSessionControls(bool enable);

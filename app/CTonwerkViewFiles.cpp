@@ -71,6 +71,10 @@ void CTonwerkView::OnGenerateFile() {
     m_waveGen.SetRecordingGate(&m_waveGenGate);
     if (!fileName.isEmpty()) {
         m_waveGen.GenerateFile();
+        if (!m_waveGen.LastError().empty()) {
+            CModalSeam::Message(this, tr("The wave file was not generated: %1")
+                                          .arg(QString::fromStdString(m_waveGen.LastError())));
+        }
     }
 }
 
@@ -113,13 +117,19 @@ void CTonwerkView::StartSessionRecording() {
 }
 
 void CTonwerkView::FinishSessionRecording() {
-    if (m_waveIn) {
-        if (!m_waveIn->Close()) {
-            // The objects stay, and with them the disabled button: the device is still busy.
-            CModalSeam::Message(this, QString::fromStdString(m_waveIn->GetError()));
+    // Taken over before any dialog opens: a finish handled while it is shown finds nothing.
+    std::unique_ptr<CWaveIn> waveIn = std::move(m_waveIn);
+    m_waveOut.reset();
+    m_wave.reset();
+    if (waveIn) {
+        if (!waveIn->Close()) {
+            // The recorder stays, and with it the disabled button: the device is still busy.
+            const QString error = QString::fromStdString(waveIn->GetError());
+            m_waveIn = std::move(waveIn);
+            CModalSeam::Message(this, error);
             return;
         }
-        const CWave& recording = m_waveIn->GetWave();
+        const CWave& recording = waveIn->GetWave();
 
         IProfile& profile = m_doc->Settings().Profile();
         const char* section = CWaveFileDlg::kSection;
@@ -152,8 +162,5 @@ void CTonwerkView::FinishSessionRecording() {
                 tr("The recording could not be written to %1.").arg(QString::fromStdString(path)));
         }
     }
-    m_waveIn.reset();
-    m_waveOut.reset();
-    m_wave.reset();
     m_record->setEnabled(true);
 }

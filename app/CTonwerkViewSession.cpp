@@ -54,10 +54,9 @@ void CTonwerkView::OnListen() {
     m_doc->Settings().SetFarnsworthFactor(m_farnsworth);
 
     if (m_soundGen.IsRunning()) {
+        // A stopped run posts nothing more: the session ends here, once.
         m_soundGen.StartStop();
-        // The worker posts its own finish when it notices; handling both is harmless.
-        m_notifyTarget.PostMessage(kAppMessage + 1, 1, 1);
-        EnableSessionControls(true);
+        OnSessionFinished();
         return;
     }
 
@@ -88,7 +87,7 @@ void CTonwerkView::OnListen() {
     m_clockTimer.start(kClockPeriodMs, this);
     m_sessionStart = NowSeconds();
     EnableSessionControls(false);
-    emit ListeningStarted(QString::fromLatin1(KeyedText()));
+    emit ListeningStarted(QString::fromLatin1(text));
 }
 
 void CTonwerkView::OnNextCharacter() {
@@ -118,6 +117,13 @@ void CTonwerkView::OnTone(bool on) {
     m_keyLamp->SetKeyDown(on);
 }
 
+void CTonwerkView::OnSoundOutput(bool back) {
+    if (m_frame) {
+        m_frame->SetMessageText(back ? tr("The sound output is back")
+                                     : tr("The sound output was lost: keying silently"));
+    }
+}
+
 void CTonwerkView::OnSessionFinished() {
     m_listen->setText(tr("&Listen"));
     m_keyLamp->SetKeyDown(false);
@@ -127,13 +133,14 @@ void CTonwerkView::OnSessionFinished() {
     if (m_frame) {
         m_frame->SetMessageText(tr("Ready"));
     }
-    // A finished run (a listening session or a generated file) ends a requested recording.
-    if (m_recordSession) {
-        FinishSessionRecording();
-        OnRecordSession();
-    }
     EnableSessionControls(true);
     m_clockTimer.stop();
+    // A finished run (a listening session or a generated file) ends a requested recording. The
+    // toggle goes off before the save dialog opens, so nothing handled meanwhile records again.
+    if (m_recordSession) {
+        OnRecordSession();
+        FinishSessionRecording();
+    }
     emit ListeningFinished();
 }
 

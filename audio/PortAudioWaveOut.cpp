@@ -34,6 +34,16 @@ struct WaveOutDevice final : DeviceCore {
     static constexpr unsigned kOpenedMessage = kWaveOutOpened;
     static constexpr unsigned kClosedMessage = kWaveOutClosed;
 
+    /// Closed with the stream and the layer thread stopped: the copies neither had handed back
+    /// yet (a stream that died under a write) are freed here.
+    ~WaveOutDevice() override {
+        ReturnEverything(NowNs());
+        Completion completion;
+        while (m_completed.Pop(completion)) {
+            delete[] completion.samples;
+        }
+    }
+
     static int StreamCallback(const void*, void* output, unsigned long frames,
                               const PaStreamCallbackTimeInfo* time, PaStreamCallbackFlags,
                               void* user) {
@@ -288,9 +298,6 @@ MmResult WaveOutWrite(WaveOutHandle device, WaveHeader* header, unsigned) {
     if ((flags & kWaveHeaderInQueue) != 0) {
         return kWaveStillPlaying;
     }
-    if (device->m_dead.load()) {
-        return kMmNoDriver;
-    }
     // A header that begins and ends a loop plays its samples loops times, one copy after the
     // other; a loop count of 0 plays them once.
     const bool looped = (flags & kWaveHeaderBeginLoop) != 0 && (flags & kWaveHeaderEndLoop) != 0;
@@ -306,15 +313,22 @@ MmResult WaveOutWrite(WaveOutHandle device, WaveHeader* header, unsigned) {
     for (std::uint64_t i = 0; i < repeats; ++i) {
         std::memcpy(samples + i * header->bufferLength, header->data, header->bufferLength);
     }
-    header->flags = (flags & ~kWaveHeaderDone) | kWaveHeaderInQueue;
+    // Under the lock that a dying stream takes to hand every header back, so that no write
+    // slips in after it and waits for ever.
     std::lock_guard lock(device->m_submitLock);
+    if (device->m_dead.load()) {
+        delete[] samples;
+        return kMmNoDriver;
+    }
+    header->flags = (flags & ~kWaveHeaderDone) | kWaveHeaderInQueue;
     device->m_queued.fetch_add(1);
     // A request older than the lead would start late anyway; it is not trusted further back.
     const std::int64_t now = NowNs();
     const std::int64_t requested =
         header->requestedNs > 0 ? std::clamp(header->requestedNs, now - device->m_leadNs, now)
                                 : now;
-    if (!device->m_submitted.Push({header, requested, samples, static_cast<std::uint32_t>(length)})) {
+    if (!device->m_submitted.Push(
+            {header, requested, samples, static_cast<std::uint32_t>(length)})) {
         device->m_queued.fetch_sub(1);
         header->flags = flags;
         delete[] samples;

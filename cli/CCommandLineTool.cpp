@@ -2,12 +2,15 @@
 #include "cli/CCommandLineTool.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <chrono>
 #include <condition_variable>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <deque>
+#include <ios>
 #include <istream>
 #include <iterator>
 #include <map>
@@ -15,6 +18,7 @@
 #include <optional>
 #include <ostream>
 #include <set>
+#include <stdexcept>
 
 #include "audio/INotifyTarget.h"
 #include "audio/WaveAudio.h"
@@ -204,12 +208,42 @@ int CCommandLineTool::Run(const std::vector<std::string>& args) {
             return Usage(std::string(command.name) + ": unknown option '" + arg + "'");
         }
     }
-    return (this->*command.handler)(options);
+    // A failure met inside a command (standard input that cannot be read, memory) ends it with
+    // one line, never an abort; so does output that could not be written.
+    int status = kExitOk;
+    try {
+        status = (this->*command.handler)(options);
+    } catch (const std::exception& error) {
+        m_err << kProgram << ' ' << command.name << ": " << error.what() << '\n';
+        return kExitFailure;
+    }
+    errno = 0;
+    m_out.flush();
+    if (!m_out) {
+        const int reason = errno;
+        m_err << kProgram << ' ' << command.name << ": cannot write the output"
+              << (reason != 0 ? std::string(": ") + std::strerror(reason) : std::string()) << '\n';
+        return kExitFailure;
+    }
+    return status;
 }
 
 std::string CCommandLineTool::TextArgument(const Options& options) {
     if (options.text.empty()) {
-        return std::string(std::istreambuf_iterator<char>(m_in), std::istreambuf_iterator<char>());
+        std::string text;
+        errno = 0;
+        try {
+            text.assign(std::istreambuf_iterator<char>(m_in), std::istreambuf_iterator<char>());
+        } catch (const std::ios_base::failure&) {
+            m_in.setstate(std::ios_base::badbit);
+        }
+        if (m_in.bad()) {
+            const int reason = errno;
+            throw std::runtime_error(
+                "cannot read standard input" +
+                (reason != 0 ? std::string(": ") + std::strerror(reason) : std::string()));
+        }
+        return text;
     }
     std::string text;
     for (const std::string& word : options.text) {
@@ -421,6 +455,7 @@ int CCommandLineTool::Play(Options& options) {
         return kExitOk;
     }
 
+    bool silent = false;  // said so already
     if (*pitch > 0) {
         WaveFormat format;
         format.channels = 1;
@@ -435,6 +470,7 @@ int CCommandLineTool::Play(Options& options) {
             m_err << kProgram << " play: no sound output ("
                   << (reason.empty() ? "error " + std::to_string(probe) : reason)
                   << "); keying silently\n";
+            silent = true;
         }
     }
 
@@ -471,7 +507,14 @@ int CCommandLineTool::Play(Options& options) {
                 m_out << text[next++];
             }
             m_out.flush();
-        } else if (message == kAppMessage + 1) {
+        } else if (message == CCodeSoundGen::kOutputLost && !silent) {
+            m_err << kProgram << " play: the sound output was lost; keying silently\n";
+            silent = true;
+        } else if (message == CCodeSoundGen::kOutputBack) {
+            m_err << kProgram << " play: the sound output is back\n";
+            silent = false;
+        } else if (message == kAppMessage + 1 || (stopped && message == 0)) {
+            // A stopped run posts nothing more: its characters shown, the run is over.
             break;
         }
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "model/CProfileSettings.h"
 
+#include <algorithm>
 #include <string>
 
 namespace {
@@ -13,20 +14,34 @@ std::string LetterEntry(char c) {
 
 }  // namespace
 
-int CProfileSettings::GetLetter(char c) const { return Read(kSettings, LetterEntry(c), 0); }
+int CProfileSettings::GetLetter(char c) const {
+    return Read(kSettings, LetterEntry(c), 0);
+}
 
-void CProfileSettings::SetLetter(char c, int value) { Write(kSettings, LetterEntry(c), value); }
+void CProfileSettings::SetLetter(char c, int value) {
+    Write(kSettings, LetterEntry(c), value);
+}
+
+int CProfileSettings::Clamped(std::string_view section, std::string_view entry, int defaultValue,
+                              Range range) const {
+    return std::clamp(Read(section, entry, defaultValue), range.lowest, range.highest);
+}
+
+int CProfileSettings::Voice(int defaultValue) const {
+    const int actor = Read(kUserSettings, "Actor", defaultValue);
+    return actor >= kActorRange.lowest && actor <= kActorRange.highest ? actor : defaultValue;
+}
 
 CodeTiming CProfileSettings::ReadSheetTiming() const {
     CodeTiming timing;
-    timing.PauseDit = Read(kUserSettings, "PauseDit", 1);
-    timing.PauseDah = Read(kUserSettings, "PauseDah", 3);
-    timing.PauseChar = Read(kUserSettings, "PauseChar", 3);
-    timing.PauseWord = Read(kUserSettings, "PauseWord", 7);
-    timing.ToneMHz = Read(kUserSettings, "ToneMHz", 750);
-    timing.WordRate = Read(kSettings, "WordRate", 15);
-    timing.SpeechDelay = Read(kUserSettings, "SpeechDelay", 125);
-    timing.Actor = Read(kUserSettings, "Actor", 0);
+    timing.PauseDit = Clamped(kUserSettings, "PauseDit", 1, kPauseRange);
+    timing.PauseDah = Clamped(kUserSettings, "PauseDah", 3, kPauseRange);
+    timing.PauseChar = Clamped(kUserSettings, "PauseChar", 3, kPauseRange);
+    timing.PauseWord = Clamped(kUserSettings, "PauseWord", 7, kPauseRange);
+    timing.ToneMHz = Clamped(kUserSettings, "ToneMHz", 750, kToneRange);
+    timing.WordRate = Clamped(kSettings, "WordRate", 15, kWordRateRange);
+    timing.SpeechDelay = Clamped(kUserSettings, "SpeechDelay", 125, kSpeechDelayRange);
+    timing.Actor = Voice(0);
     return timing;
 }
 

@@ -6,25 +6,42 @@
 
 /// Readers and writers of every practice setting, one profile access each. The defaults are
 /// those of the single-value readers; the settings sheet reads the CodeTiming values with its
-/// own, different defaults through ReadSheetTiming. Nothing is cached.
+/// own, different defaults through ReadSheetTiming. Nothing is cached. A profile may hold
+/// anything: timing values are read into their ranges, a voice beyond the nine reads as the
+/// default, so no reader hands on a speed of 0 or a gap of weeks.
 class CProfileSettings {
 public:
     static constexpr std::string_view kUserSettings = "UserSettings";
     static constexpr std::string_view kSettings = "Settings";
 
+    struct Range {
+        int lowest;
+        int highest;
+    };
+    static constexpr Range kPauseRange{1, 500};
+    static constexpr Range kToneRange{100, 1800};  ///< the pitch slider's
+    static constexpr Range kWordRateRange{5, 99};  ///< the speed slider's
+    static constexpr Range kSpeechDelayRange{0, 10'000};
+    static constexpr Range kActorRange{0, 8};
+    static constexpr Range kFarnsworthRange{0, 99};
+
     explicit CProfileSettings(IProfile& profile) : m_profile(profile) {}
 
     IProfile& Profile() const { return m_profile; }
 
-    int GetPauseDit() const { return Read(kUserSettings, "PauseDit", 1); }
-    int GetPauseDah() const { return Read(kUserSettings, "PauseDah", 1); }
-    int GetPauseChar() const { return Read(kUserSettings, "PauseChar", 1); }
-    int GetPauseWord() const { return Read(kUserSettings, "PauseWord", 1); }
-    int GetToneMHz() const { return Read(kUserSettings, "ToneMHz", 1000); }
-    int GetWordRate() const { return Read(kSettings, "WordRate", 15); }
-    int GetSpeechDelay() const { return Read(kUserSettings, "SpeechDelay", 125); }
-    int GetActor() const { return Read(kUserSettings, "Actor", 0); }
-    int GetFarnsworthFactor() const { return Read(kSettings, "FarnsworthFactor", 0); }
+    int GetPauseDit() const { return Clamped(kUserSettings, "PauseDit", 1, kPauseRange); }
+    int GetPauseDah() const { return Clamped(kUserSettings, "PauseDah", 1, kPauseRange); }
+    int GetPauseChar() const { return Clamped(kUserSettings, "PauseChar", 1, kPauseRange); }
+    int GetPauseWord() const { return Clamped(kUserSettings, "PauseWord", 1, kPauseRange); }
+    int GetToneMHz() const { return Clamped(kUserSettings, "ToneMHz", 1000, kToneRange); }
+    int GetWordRate() const { return Clamped(kSettings, "WordRate", 15, kWordRateRange); }
+    int GetSpeechDelay() const {
+        return Clamped(kUserSettings, "SpeechDelay", 125, kSpeechDelayRange);
+    }
+    int GetActor() const { return Voice(0); }
+    int GetFarnsworthFactor() const {
+        return Clamped(kSettings, "FarnsworthFactor", 0, kFarnsworthRange);
+    }
     int GetDblSpace() const { return Read(kUserSettings, "DblSpace", 0); }
     int GetNumTog() const { return Read(kUserSettings, "NumTog", 0); }
     int GetRanProSnTog() const { return Read(kUserSettings, "RanProSnTog", 0); }
@@ -66,6 +83,10 @@ private:
     int Read(std::string_view section, std::string_view entry, int defaultValue) const {
         return m_profile.GetInt(section, entry, defaultValue);
     }
+    int Clamped(std::string_view section, std::string_view entry, int defaultValue,
+                Range range) const;
+    /// "Actor", or the default when it names none of the nine voices.
+    int Voice(int defaultValue) const;
     void Write(std::string_view section, std::string_view entry, int value) {
         m_profile.WriteInt(section, entry, value);
     }

@@ -15,13 +15,20 @@ class IProgressCtrl;
 
 /// Keys the practice text live on a worker thread: one tone of the pitch per dit and dah through
 /// its own CPomelSyncPlay, every gap a sleep of whole milliseconds. It posts kAppMessage + 2
-/// (1, 1) before each character other than the blank and, when the run ends (normally or by
-/// stop), the registered "CCodeSoundGen_WM_WORK_FINISHED" message (wParam = this worker, lParam 0)
-/// followed by kAppMessage + 1 (1, 1).
+/// (1, 1) before each character other than the blank and, when the run reaches the end of its
+/// text, the registered "CCodeSoundGen_WM_WORK_FINISHED" message (wParam = this worker, lParam 0)
+/// followed by kAppMessage + 1 (1, 1). A run that is stopped posts and steps nothing more from
+/// the moment StartStop returns: whoever stops it ends the session, so a session ends once and a
+/// stopped run's late notices never reach the next one. When the sound output fails during a run
+/// it posts kOutputLost (1, 1) once and keys on silently, trying the output again now and then;
+/// kOutputBack (1, 1) follows when it plays again.
 class CCodeSoundGen {
 public:
+    static constexpr unsigned kOutputLost = kAppMessage + 5;
+    static constexpr unsigned kOutputBack = kAppMessage + 6;
+
     CCodeSoundGen();
-    /// Asks a running worker to stop and waits for it: the worker reads this object.
+    /// Quits a running worker and waits for it: the worker reads this object.
     virtual ~CCodeSoundGen();
     CCodeSoundGen(const CCodeSoundGen&) = delete;
     CCodeSoundGen& operator=(const CCodeSoundGen&) = delete;
@@ -39,6 +46,10 @@ public:
     /// no thread could be started. Running: requests a stop at the next element boundary and
     /// returns 0 without waiting.
     int StartStop();
+
+    /// Ends a run at once, as when the program quits: its gaps and silent tones are cut short and
+    /// only a tone already at the device is waited for. Returns when the worker has ended.
+    void Quit();
 
     /// Length of the text in dit units.
     int CountUnits() const;
@@ -58,8 +69,9 @@ private:
     struct Run;
 
     void GenerateThreadProc(Run& run);
-    void Sleep(double milliseconds) const;
-    void Tone(const Run& run, float seconds);
+    void Tone(Run& run, float seconds);
+    /// Plays a tone at the output, opening it again first when it was lost; false when silent.
+    bool Play(Run& run, float seconds);
 
     std::atomic<std::uint64_t> m_running{0};  ///< generation of the run in progress, 0 when idle
     CPomelSyncPlay m_player;

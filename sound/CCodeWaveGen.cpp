@@ -7,6 +7,8 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 #include <vector>
 
 #include "audio/INotifyTarget.h"
@@ -407,6 +409,12 @@ void CCodeWaveGen::GenerateFile() {
         }
         if (!written) {
             m_lastError = "cannot write " + path + ": " + std::strerror(error);
+            // A cut file whose header claims more than it holds is no WAV file: it goes. Only a
+            // regular file, never a device it was written to.
+            std::error_code ignored;
+            if (std::filesystem::is_regular_file(path, ignored)) {
+                std::filesystem::remove(path, ignored);
+            }
         } else if (rendered > dataBytes) {
             m_lastError =
                 path + ": the text is longer than a WAV file can hold; the file ends " + "at 4 GB";

@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QMimeData>
+#include <QScreen>
 #include <QSlider>
 #include <QStatusBar>
 #include <QToolBar>
@@ -31,8 +32,10 @@ private slots:
 
     void firstStartUsesTheDefaultPlacementAndSettings() {
         CMainFrame& frame = NewFrame();
-        QCOMPARE(frame.pos(), QPoint(200, 100));
-        QCOMPARE(frame.size(), QSize(875, 700));
+        // The default placement, within what the screen holds (the test screen is small).
+        const QRect screen = frame.screen()->availableGeometry();
+        QCOMPARE(frame.size(), QSize(875, 700).boundedTo(screen.size()));
+        QVERIFY(screen.contains(QRect(frame.pos(), frame.size())));
         QCOMPARE(Control<QSlider>(1039)->value(), 1000);
         QCOMPARE(Control<QSlider>(1003)->value(), 15);
         QCOMPARE(Control<QLabel>(1004)->text(), QStringLiteral("Set Words/Minute: 15"));
@@ -65,14 +68,37 @@ private slots:
         CTonwerkView::SetDefaultAudioHooks(Hooks(1));
     }
 
-    void storedPlacementIsUsedAsItIs() {
-        Profile().WriteInt("WindowSettings", "TopLeftX", 2500);
-        Profile().WriteInt("WindowSettings", "TopLeftY", 40);
-        Profile().WriteInt("WindowSettings", "SizeX", 640);
-        Profile().WriteInt("WindowSettings", "SizeY", 610);
+    // A stored placement that fits is used as it is; one off every screen comes onto the nearest,
+    // and a size beyond the screen is cut to it.
+    void storedPlacementComesOnScreen_data() {
+        QTest::addColumn<QList<int>>("stored");  // x, y, width, height
+        QTest::addColumn<bool>("kept");
+        constexpr int kHuge = 2147483647;
+        QTest::newRow("fits") << QList<int>{20, 30, 300, 200} << true;
+        QTest::newRow("far left") << QList<int>{-5000, 40, 300, 200} << false;
+        QTest::newRow("far right") << QList<int>{2500, 40, 300, 200} << false;
+        QTest::newRow("huge") << QList<int>{kHuge, kHuge, kHuge, kHuge} << false;
+        QTest::newRow("no size") << QList<int>{20, 30, 0, -5} << false;
+    }
+
+    void storedPlacementComesOnScreen() {
+        QFETCH(QList<int>, stored);
+        QFETCH(bool, kept);
+        const char* entries[] = {"TopLeftX", "TopLeftY", "SizeX", "SizeY"};
+        for (int i = 0; i < 4; ++i) {
+            Profile().WriteInt("WindowSettings", entries[i], stored[i]);
+        }
         CMainFrame& frame = NewFrame();
-        QCOMPARE(frame.pos(), QPoint(2500, 40));
-        QCOMPARE(frame.size(), QSize(640, 610));
+        const QRect placed(frame.pos(), frame.size());
+        QVERIFY2(frame.screen()->availableGeometry().contains(placed),
+                 qPrintable(QStringLiteral("%1 %2 %3 %4")
+                                .arg(placed.x())
+                                .arg(placed.y())
+                                .arg(placed.width())
+                                .arg(placed.height())));
+        if (kept) {
+            QCOMPARE(placed, QRect(stored[0], stored[1], stored[2], stored[3]));
+        }
     }
 
     void placementOnClose_data() {

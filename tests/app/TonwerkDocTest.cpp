@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/CTonwerkDoc.h"
 
-#include <sys/resource.h>
+#include <sys/stat.h>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTextEdit>
-#include <csignal>
+#include <cerrno>
+#include <cstring>
 
+#include "../support/FileSizeLimit.h"
 #include "AppTestFixture.h"
 #include "model/CCodeFile.h"
 
@@ -21,26 +24,6 @@ void WriteAll(const QString& path, const QByteArray& bytes) {
     QVERIFY(file.open(QIODevice::WriteOnly));
     QCOMPARE(file.write(bytes), bytes.size());
 }
-
-/// Files may not grow beyond a few bytes while it lives, as on a full disk.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) {
-        getrlimit(RLIMIT_FSIZE, &m_old);
-        m_oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-        rlimit limit = m_old;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &m_old);
-        std::signal(SIGXFSZ, m_oldHandler);
-    }
-
-private:
-    rlimit m_old{};
-    void (*m_oldHandler)(int) = nullptr;
-};
 
 }  // namespace
 
@@ -205,6 +188,54 @@ private slots:
         QVERIFY(Doc().PathName().isEmpty());
     }
 
+    // What is not a regular file of a sane size is refused at once, without reading it: a FIFO
+    // nobody writes to would block for ever, a device would never end.
+    void openOfSomethingThatIsNoDocumentIsRefusedAtOnce_data() {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("said");
+        QTest::newRow("fifo") << TempPath("pipe.code") << "not a file";
+        QTest::newRow("device") << "/dev/zero"
+                                << "not a file";
+        QTest::newRow("folder") << TempPath(QString()) << "not a file";
+        QTest::newRow("over 16 MB") << TempPath("huge.code") << "more than 16 MB";
+    }
+
+    void openOfSomethingThatIsNoDocumentIsRefusedAtOnce() {
+        QFETCH(QString, path);
+        QFETCH(QString, said);
+        QFile::remove(TempPath("pipe.code"));
+        QCOMPARE(mkfifo(QFile::encodeName(TempPath("pipe.code")).constData(), 0600), 0);
+        QFile huge(TempPath("huge.code"));
+        QVERIFY(huge.open(QIODevice::WriteOnly));
+        QVERIFY(huge.resize(CTonwerkDoc::kMaxFileBytes + 1));
+        huge.close();
+        Practice()->setPlainText("KEEP");
+        Doc().SetModifiedFlag(false);
+        QVERIFY(!Doc().OpenFile(path));
+        QCOMPARE(CModalSeam::Messages().size(), 1);
+        QVERIFY2(CModalSeam::Messages().constFirst().contains(said),
+                 qPrintable(CModalSeam::Messages().constFirst()));
+        QCOMPARE(Practice()->toPlainText(), QStringLiteral("KEEP"));
+    }
+
+    // A practice line of 1 MB without a blank shows at once (Qt took minutes to lay it out
+    // wrapped at word boundaries); a text with words still wraps between them.
+    void aLineWithoutBlanksShowsAtOnce() {
+        CodeDocument document;
+        document.practiceText.assign(std::size_t{1} << 20, 'E');
+        const QString path = TempPath("line.code");
+        WriteAll(path, QByteArray::fromStdString(CCodeFile::Write(document)));
+        Frame().show();
+        QElapsedTimer shown;
+        shown.start();
+        QVERIFY(Doc().OpenFile(path));
+        Frame().grab();
+        QVERIFY2(shown.elapsed() < 30000, qPrintable(QString::number(shown.elapsed())));
+        QCOMPARE(Practice()->wordWrapMode(), QTextOption::WrapAnywhere);
+        View().SetTexts(QStringLiteral("PARIS PARIS"), QString());
+        QCOMPARE(Practice()->wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
+    }
+
     void aFailedSaveKeepsTheOldFile() {
         const QString path = TempPath("kept.code");
         Practice()->setPlainText("OLD");
@@ -226,6 +257,45 @@ private slots:
         QCOMPARE(CModalSeam::Messages().size(), 1);
         QVERIFY(CModalSeam::Messages().constFirst().startsWith(QStringLiteral("Cannot save")));
         QVERIFY(Doc().IsModified());
+    }
+
+    // "Save Changes?" answered Yes on closing: a save that fails keeps the window and the edits,
+    // and the message gives the real reason.
+    void closingWithAFailedSaveKeepsTheWindow_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("fullDisk");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("full disk") << "full.code" << true << QString::fromLatin1(strerror(EFBIG));
+        // A folder that is a regular file fails even for root, as a read-only one would.
+        QTest::newRow("folder cannot hold it") << "file/inside.code" << false << QString();
+        QTest::newRow("save as cancelled") << QString() << false << QString();
+    }
+
+    void closingWithAFailedSaveKeepsTheWindow() {
+        QFETCH(QString, name);
+        QFETCH(bool, fullDisk);
+        QFETCH(QString, reason);
+        WriteAll(TempPath("file"), "x");
+        Practice()->setPlainText(QString(400, QLatin1Char('E')));
+        QVERIFY(Doc().IsModified());
+        CModalSeam::QueueButton(QMessageBox::Yes);
+        if (!name.isEmpty()) {
+            CModalSeam::QueueFileName(TempPath(name));
+        }
+        bool closed = true;
+        {
+            const FileSizeLimit full(fullDisk ? 64 : RLIM_INFINITY);
+            closed = Frame().close();
+        }
+        QVERIFY(!closed);
+        QVERIFY(Doc().IsModified());
+        QCOMPARE(Practice()->toPlainText(), QString(400, QLatin1Char('E')));
+        QCOMPARE(CModalSeam::Messages().size(), name.isEmpty() ? 1 : 2);
+        if (!name.isEmpty()) {
+            QVERIFY(CModalSeam::Messages().at(1).startsWith(QStringLiteral("Cannot save")));
+            QVERIFY2(CModalSeam::Messages().at(1).endsWith(reason),
+                     qPrintable(CModalSeam::Messages().at(1)));
+        }
     }
 
     void saveAsCancelledWritesNothing() {

@@ -11,10 +11,13 @@
 #include <QSignalSpy>
 #include <QSlider>
 #include <QTextEdit>
+#include <cerrno>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <thread>
 
+#include "../support/FileSizeLimit.h"
 #include "AppTestFixture.h"
 #include "app/CWaveFileDlg.h"
 #include "audio/CPomelSyncPlay.h"
@@ -181,6 +184,34 @@ private slots:
         QCOMPARE(written, ReadAll(cliFile));
     }
 
+    // Generate File that cannot write says why and leaves no file claiming to be a WAV.
+    void generateFileThatFailsSaysWhy_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("fullDisk");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("folder is a file") << "file/inside.wav" << false << "cannot create";
+        QTest::newRow("full disk") << "full.wav" << true << QString::fromLatin1(strerror(EFBIG));
+    }
+
+    void generateFileThatFailsSaysWhy() {
+        QFETCH(QString, name);
+        QFETCH(bool, fullDisk);
+        QFETCH(QString, reason);
+        QFile file(TempPath(QStringLiteral("file")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.close();
+        Control<QTextEdit>(1002)->setPlainText(QString(200, QLatin1Char('0')));
+        CModalSeam::QueueFileName(TempPath(name));
+        {
+            const FileSizeLimit full(fullDisk ? 4096 : RLIM_INFINITY);
+            GenerateFile();
+        }
+        QCOMPARE(CModalSeam::Messages().size(), 1);
+        QVERIFY2(CModalSeam::Messages().constFirst().contains(reason),
+                 qPrintable(CModalSeam::Messages().constFirst()));
+        QVERIFY(!QFile::exists(TempPath(name)));
+    }
+
     void recordedSessionIsSavedAndRemembered() {
         DialogRun run;
         const QString folder = TempPath(QStringLiteral("recordings"));
@@ -251,6 +282,30 @@ private slots:
         QVERIFY(again.remember);
         QVERIFY(RecordButton()->isEnabled());
         QCOMPARE(QDir(remembered).entryList(QDir::Files), QStringList());
+    }
+
+    // A recorded session stopped by hand ends once: one save dialog, the whole recording in the
+    // file, and the toggle off so that the next Listen does not record unasked.
+    void recordedSessionStoppedByHandIsSavedOnce() {
+        DialogRun run;
+        const QString folder = TempPath(QStringLiteral("stopped"));
+        QVERIFY(QDir().mkpath(folder));
+        AnswerWaveFileDialog(run, true, QStringLiteral("stopped.wav"), folder);
+        Control<QTextEdit>(1002)->setPlainText(QString(20, QLatin1Char('E')));
+        Control<QSlider>(1003)->setValue(12);
+        RecordButton()->click();
+        auto* listen = Control<CImageButton>(1005);
+        listen->click();
+        QTest::qWait(1500);
+        listen->click();
+        QCOMPARE(run.shown, 1);
+        QTest::qWait(800);  // longer than the stopped run's closing gaps
+        QCOMPARE(run.shown, 1);
+        QVERIFY(!RecordButton()->isChecked());
+        QVERIFY(RecordButton()->isEnabled());
+        CWave saved;
+        QVERIFY(saved.Load((folder + QStringLiteral("/stopped.wav")).toStdString()));
+        QVERIFY2(saved.GetNumSamples() > 44100, qPrintable(QString::number(saved.GetNumSamples())));
     }
 
     // A folder that cannot be written says so and offers the recording again instead of

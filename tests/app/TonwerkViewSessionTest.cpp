@@ -6,6 +6,7 @@
 #include <QCheckBox>
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QLineEdit>
 #include <QSlider>
 #include <QTextEdit>
 #include <vector>
@@ -51,6 +52,11 @@ class TonwerkViewSessionTest : public QObject, public AppTestFixture {
         NewFrame();
         Control<QTextEdit>(1002)->setPlainText(text);
         Control<QSlider>(1003)->setValue(wordsPerMinute);
+        Follow();
+    }
+
+    /// Notes what the form shows after each posted message.
+    void Follow() {
         m_seen.clear();
         m_clock.start();
         connect(&View(), &CTonwerkView::AppMessage, this, [this](unsigned message) {
@@ -151,17 +157,58 @@ private slots:
         Listen()->click();
         QTRY_VERIFY_WITH_TIMEOUT(Only(2).size() >= 2, 5000);
         Listen()->click();
-        // The view posts its own finish at once; the worker's follows when it notices the stop.
-        QTRY_COMPARE(Listen()->text(), QStringLiteral("&Listen"));
-        QVERIFY(SessionControlsEnabled(true));
-        QTRY_VERIFY_WITH_TIMEOUT(Only(1).size() == 2, 2000);
-        const std::size_t announced = Only(2).size();
-        // The character under way when Stop was seen may still be announced, no more.
-        QVERIFY2(announced <= 4, qPrintable(QString::number(announced)));
-        QTest::qWait(400);
-        QCOMPARE(Only(2).size(), announced);
-        QCOMPARE(Only(1).size(), std::size_t{2});
+        // The session ends at once and once: the stopped run posts nothing more.
         QCOMPARE(Listen()->text(), QStringLiteral("&Listen"));
+        QVERIFY(SessionControlsEnabled(true));
+        QVERIFY(!Lamp()->IsKeyDown());
+        QCOMPARE(StatusText(), QStringLiteral("Ready"));
+        const std::size_t announced = Only(2).size();
+        QTest::qWait(600);
+        QCOMPARE(Only(2).size(), announced);
+        QVERIFY(Only(1).empty());
+        QCOMPARE(Frame().Progress()->Pos(), 0);
+    }
+
+    // Listen right after Stop starts at once, although the old run had 24 s of gaps to go, and
+    // nothing of the old run ends or steps the new one.
+    void listenRightAfterStopStartsAtOnce() {
+        Prepare(QStringLiteral("EEEE"), 5);
+        Control<QLineEdit>(1050)->setText(QStringLiteral("99"));
+        Listen()->click();
+        QTRY_VERIFY_WITH_TIMEOUT(Only(2).size() == 1, 5000);
+        QTest::qWait(400);
+        Listen()->click();
+        Listen()->click();
+        QCOMPARE(Listen()->text(), QStringLiteral("&Stop"));
+        QTRY_VERIFY_WITH_TIMEOUT(Only(2).size() == 2, 1500);
+        QTest::qWait(500);
+        QCOMPARE(Listen()->text(), QStringLiteral("&Stop"));
+        QVERIFY(Only(1).empty());
+        QCOMPARE(Frame().Progress()->Pos(), 0);
+        Listen()->click();
+    }
+
+    // Closing the window mid-session ends the worker at once, even in a long gap; a profile out
+    // of range gives the slowest speed and the largest factor, not a speed of 0.
+    void closingDuringASessionEndsItAtOnce() {
+        NewProfile();
+        Profile().WriteInt("Settings", "WordRate", 0);
+        Profile().WriteInt("Settings", "FarnsworthFactor", 1000000);
+        Profile().WriteInt("UserSettings", "ToneMHz", 0);
+        NewFrame();
+        QCOMPARE(Control<QSlider>(1003)->value(), 5);
+        QCOMPARE(Control<QLineEdit>(1050)->text(), QStringLiteral("99"));
+        Control<QTextEdit>(1002)->setPlainText(QStringLiteral("EEE"));
+        Follow();
+        Listen()->click();
+        QTRY_VERIFY_WITH_TIMEOUT(Only(2).size() == 1, 5000);
+        QTest::qWait(1000);  // into the first closing gap
+        QElapsedTimer closing;
+        closing.start();
+        CModalSeam::QueueButton(QMessageBox::No);
+        QVERIFY(Frame().close());
+        CloseFrame();
+        QVERIFY2(closing.elapsed() < 500, qPrintable(QString::number(closing.elapsed())));
     }
 
     void emptyTextStartsTheClockButNoSound() {

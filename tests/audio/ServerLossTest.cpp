@@ -6,15 +6,12 @@
 #include "sound/CWaveOutPcmOutput.h"
 #include "sound/Player.h"
 
+#include "../support/PulseServer.h"
 #include "RecordingTarget.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <csignal>
-#include <cstdlib>
-#include <fstream>
-#include <string>
 #include <thread>
 #include <vector>
 
@@ -22,25 +19,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
-
-std::string Env(const char* name) {
-    const char* value = std::getenv(name);
-    return value != nullptr ? value : "";
-}
-
-void KillServer() {
-    std::ifstream pidFile(Env("PULSE_RUNTIME_PATH") + "/pid");
-    pid_t pid = 0;
-    ASSERT_TRUE(pidFile >> pid) << "no server pid file";
-    ASSERT_EQ(kill(pid, SIGKILL), 0);
-}
-
-void RestartServer() {
-    const std::string command = Env("TONWERK_SOURCE_DIR") +
-                                "/tests/support/pulse-fixture.sh start " + Env("XDG_RUNTIME_DIR") +
-                                " >/dev/null 2>&1";
-    ASSERT_EQ(std::system(command.c_str()), 0);
-}
 
 TEST(ServerLoss, CallsReturnWhenTheServerDiesAndOpenWorksAfterItIsBack) {
     RecordingTarget owner;
@@ -52,7 +30,7 @@ TEST(ServerLoss, CallsReturnWhenTheServerDiesAndOpenWorksAfterItIsBack) {
 
     std::thread killer([] {
         std::this_thread::sleep_for(300ms);
-        KillServer();
+        pulse_server::Kill();
     });
     auto start = Clock::now();
     const int during = player.PlayTone(600.0, 1.0);
@@ -76,7 +54,7 @@ TEST(ServerLoss, CallsReturnWhenTheServerDiesAndOpenWorksAfterItIsBack) {
     EXPECT_EQ(orphan.PlayTone(600.0, 0.1), 0);
     EXPECT_LT(Clock::now() - start, 1s);
 
-    RestartServer();
+    pulse_server::Restart();
     CPomelSyncPlay fresh;
     fresh.OpenDevice();
     ASSERT_EQ(fresh.GetLastResult(), kMmNoError);
@@ -132,13 +110,13 @@ TEST(ServerLoss, RecorderStopsWhenTheServerDies) {
     ASSERT_TRUE(recorder.Open()) << recorder.GetError();
     ASSERT_TRUE(recorder.Record(4096));
     std::this_thread::sleep_for(300ms);
-    KillServer();
+    pulse_server::Kill();
     std::this_thread::sleep_for(1500ms);
     const auto start = Clock::now();
     recorder.Close();
     EXPECT_LT(Clock::now() - start, 2s);
     EXPECT_GT(recorder.GetWave().GetNumSamples(), 0u);
-    RestartServer();
+    pulse_server::Restart();
 }
 
 }  // namespace

@@ -211,6 +211,31 @@ TEST(CommandLineToolBinary, PlayStopsOnInterrupt) {
     std::remove(out.c_str());
 }
 
+// Input that cannot be read and output that cannot be written: one line on standard error and a
+// failing exit, never an abort.
+TEST(CommandLineToolBinary, UnreadableInputAndFullOutputSaySo) {
+    const char* binaryDir = std::getenv("TONWERK_BINARY_DIR");
+    ASSERT_NE(binaryDir, nullptr);
+    const std::string tool = std::string(binaryDir) + "/cli/tonwerk-cli";
+    const std::string err = ::testing::TempDir() + "tonwerk-cli-err.txt";
+    const std::pair<const char*, const char*> rows[] = {
+        {"encode < /", "tonwerk-cli encode: cannot read standard input: Is a directory\n"},
+        {"encode E > /dev/full",
+         "tonwerk-cli encode: cannot write the output: No space left on device\n"},
+        {"random --count 5 --size 5 --chars AB > /dev/full",
+         "tonwerk-cli random: cannot write the output: No space left on device\n"},
+    };
+    for (const auto& [command, said] : rows) {
+        const std::string line =
+            "XDG_CONFIG_HOME=" + ::testing::TempDir() + " " + tool + " " + command + " 2> " + err;
+        const int status = std::system(line.c_str());
+        ASSERT_TRUE(WIFEXITED(status)) << command;
+        EXPECT_EQ(WEXITSTATUS(status), 1) << command;
+        EXPECT_EQ(ReadFile(err), said) << command;
+    }
+    std::remove(err.c_str());
+}
+
 // The real executable, fed binary bytes and a large text through its standard input.
 TEST(CommandLineToolBinary, SurvivesAnyInput) {
     const char* binaryDir = std::getenv("TONWERK_BINARY_DIR");

@@ -10,10 +10,13 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
+#include <memory>
 #include <mutex>
+#include <string>
 #include <thread>
 #include <vector>
 
+#include "../support/PulseServer.h"
 #include "SinkListener.h"
 #include "audio/INotifyTarget.h"
 #include "sound/IProgressCtrl.h"
@@ -134,6 +137,13 @@ protected:
         EXPECT_EQ(ends[1].lParam, 1);
     }
 
+    std::size_t AllPosts() {
+        return m_target
+            .Posts({kFinished, kNextCharacter, kToneOn, kToneOff,
+                    CCodeSoundGen::WorkFinishedMessage()})
+            .size();
+    }
+
     TimedTarget m_target;
     CountingProgress m_progress;
     CCodeSoundGen m_gen;
@@ -203,22 +213,24 @@ TEST_F(CodeSoundGenTest, EESpaceEIsHeardAtTheSinkInItsRhythm) {
     EXPECT_EQ(m_target.Count(kToneOff), 2U);
 }
 
-TEST_F(CodeSoundGenTest, StopDuringADahFinishesItAndTheClosingGaps) {
+TEST_F(CodeSoundGenTest, StopLetsTheDahEndThenPostsAndStepsNothing) {
     // 10 WPM: dit 0.12 s, dah 0.36 s; stop 0.15 s into the first dah of "TT".
+    SinkListener recorder;
+    ASSERT_TRUE(recorder.Running());
     Start("TT", 10);
-    ASSERT_TRUE(m_target.WaitFor(kNextCharacter));
+    ASSERT_TRUE(m_target.WaitFor(kToneOn));
     std::this_thread::sleep_for(std::chrono::milliseconds(150));
     EXPECT_EQ(m_gen.StartStop(), 0);
     EXPECT_EQ(m_gen.IsRunning(), 0);
-    ASSERT_TRUE(m_target.WaitFor(kFinished));
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    const auto posts = m_target.Posts({kNextCharacter, kFinished});
-    ASSERT_EQ(posts.size(), 2U);
-    EXPECT_EQ(posts[0].message, kNextCharacter);
-    // The dah, its element gap and the closing gap: 0.6 s; no second T.
-    ExpectLasted(posts[1].seconds - posts[0].seconds, 0.6);
-    ExpectFinishedOnce();
-    EXPECT_EQ(m_progress.steps, 1);
+    const std::size_t postedBeforeStop = AllPosts();
+    std::this_thread::sleep_for(std::chrono::milliseconds(800));
+    const auto tones = SinkRecorder::FindTones(recorder.Stop());
+    ASSERT_EQ(tones.size(), 1U);
+    EXPECT_NEAR(tones[0].lengthMs, 360.0, 2.0);
+    // The session is the stopper's to end: the run says nothing more, not even its tone's end.
+    EXPECT_EQ(AllPosts(), postedBeforeStop);
+    EXPECT_EQ(m_target.Count(kFinished), 0U);
+    EXPECT_EQ(m_progress.steps, 0);
 }
 
 TEST_F(CodeSoundGenTest, BlanksOnlyKeepTheirTimingWithoutCharacterPosts) {
@@ -255,7 +267,7 @@ TEST_F(CodeSoundGenTest, FarnsworthStretchesTheGaps) {
 }
 
 // Many short runs started and stopped at once, with the setters used while old workers are still
-// finishing: every run ends with exactly one pair of completion notices.
+// finishing: none of them posts after its stop, and a run started after them hears of none.
 TEST_F(CodeSoundGenTest, RapidStartStopCycles) {
     constexpr int kCycles = 200;
     m_target.Restart();
@@ -272,34 +284,78 @@ TEST_F(CodeSoundGenTest, RapidStartStopCycles) {
         EXPECT_EQ(m_gen.IsRunning(), 0);
         (void)m_gen.EstimateSeconds();
     }
-    ASSERT_TRUE(m_target.WaitFor(kFinished, kCycles, 120.0));
-    EXPECT_EQ(m_target.Count(CCodeSoundGen::WorkFinishedMessage()),
-              static_cast<std::size_t>(kCycles));
-    // One last run to its end afterwards behaves normally.
+    EXPECT_EQ(m_target.Count(kFinished), 0U);
     m_gen.SetPitch(900);
     Start("E", 60);
-    ASSERT_TRUE(m_target.WaitFor(kFinished));
+    ASSERT_TRUE(m_target.WaitFor(kFinished, 1, 120.0));
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
     ExpectFinishedOnce();
+    EXPECT_EQ(m_target.Count(kNextCharacter), 1U);
 }
 
-TEST(CodeSoundGen, DestroyingARunningWorkerStopsAndWaitsForIt) {
-    TimedTarget target;
-    const auto start = Clock::now();
-    {
-        CCodeSoundGen gen;
-        gen.SetWordsPerMinute(12);
-        gen.SetPitch(0);
-        // About 90 s of keying; the stop must not wait for it.
-        gen.SetText(
-            "PARIS PARIS PARIS PARIS PARIS PARIS PARIS PARIS PARIS PARIS PARIS PARIS "
-            "PARIS PARIS PARIS PARIS PARIS PARIS PARIS PARIS");
-        gen.SetNotifyWindow(&target);
-        ASSERT_EQ(gen.StartStop(), 1);
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+// Listen right after Stop: the new run does not wait out the old one's closing gaps (24 s at
+// 5 WPM with a factor of 99), and only its own notices arrive.
+TEST_F(CodeSoundGenTest, RunAfterAStopStartsAtOnce) {
+    Start("EE", 5, 0, 99);
+    ASSERT_TRUE(m_target.WaitFor(kNextCharacter));
+    std::this_thread::sleep_for(std::chrono::milliseconds(400));  // into the closing gaps
+    EXPECT_EQ(m_gen.StartStop(), 0);
+    Start("E", 60, 0);
+    ASSERT_TRUE(m_target.WaitFor(kFinished, 1, 5.0));
+    EXPECT_LT(m_target.Posts({kNextCharacter})[0].seconds, kOpenAllowance);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    ExpectFinishedOnce();
+    EXPECT_EQ(m_target.Count(kNextCharacter), 1U);
+    EXPECT_EQ(m_progress.steps, 1);
+}
+
+// The sound server dies during a run: the run says so once and keys on silently; when the server
+// is back it plays again.
+TEST_F(CodeSoundGenTest, LostServerIsReportedOnceAndUsedAgainWhenBack) {
+    const std::string text(200, 'E');
+    Start(text.c_str(), 20);  // dit 60 ms: 36 s of E's
+    ASSERT_TRUE(m_target.WaitFor(kToneOn, 3));
+    pulse_server::Kill();
+    std::this_thread::sleep_for(std::chrono::milliseconds(3000));
+    const std::size_t lost = m_target.Count(CCodeSoundGen::kOutputLost);
+    const std::size_t tonesWhileLost = m_target.Count(kToneOn);
+    pulse_server::Restart();
+    EXPECT_EQ(lost, 1U);
+    ASSERT_TRUE(m_target.WaitFor(CCodeSoundGen::kOutputBack, 1, 10.0));
+    ASSERT_TRUE(m_target.WaitFor(kToneOn, tonesWhileLost + 2, 5.0));
+    EXPECT_EQ(m_gen.StartStop(), 0);
+    EXPECT_EQ(m_target.Count(CCodeSoundGen::kOutputLost), 1U);
+    EXPECT_EQ(m_target.Count(CCodeSoundGen::kOutputBack), 1U);
+}
+
+// Quitting with a run in a long gap or silent tone ends it at once, whatever the speed and factor;
+// only a tone already at the device (a dit here) is waited for.
+TEST(CodeSoundGen, QuittingEndsARunAtOnce) {
+    struct Row {
+        int wordsPerMinute;
+        int factor;
+        int pitch;
+    };
+    for (const Row row : {Row{12, 0, 0}, Row{5, 99, 0}, Row{5, 99, 750}, Row{0, 0, 0},
+                          Row{0, 0, 750}, Row{12, 2147483647, 0}}) {
+        SCOPED_TRACE(testing::Message() << row.wordsPerMinute << " WPM, factor " << row.factor
+                                        << ", pitch " << row.pitch);
+        TimedTarget target;
+        auto gen = std::make_unique<CCodeSoundGen>();
+        gen->SetWordsPerMinute(row.wordsPerMinute);
+        gen->SetPitch(row.pitch);
+        gen->SetFarnsworthFactor(row.factor);
+        gen->SetText("EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEE");
+        gen->SetNotifyWindow(&target);
+        ASSERT_EQ(gen->StartStop(), 1);
+        // Opening the device comes first and may be slow (under the sanitizers, seconds).
+        ASSERT_TRUE(target.WaitFor(kNextCharacter));
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        const auto quitting = Clock::now();
+        gen.reset();
+        EXPECT_LT(TimedTarget::Since(quitting), 0.5);
+        EXPECT_EQ(target.Count(kFinished), 0U);
     }
-    // Opening the device comes first and may be slow (under the sanitizers, seconds).
-    EXPECT_LT(TimedTarget::Since(start), 1.0 + 10.0);
-    EXPECT_EQ(target.Count(kFinished), 1U);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -15,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "../support/FileSizeLimit.h"
 #include "audio/INotifyTarget.h"
 #include "sound/IProgressCtrl.h"
 
@@ -371,6 +373,17 @@ TEST_F(CodeWaveGenTest, UnwritablePlacesEndQuietlyButStillPost) {
         EXPECT_EQ(m_target.posts.size(), 2U);
         EXPECT_EQ(m_progress.steps, 5 + 17);
     }
+
+    // A full disk, as a file size limit: the header goes out, the samples do not, and no cut
+    // file is left behind.
+    m_gen.SetFolder((m_dir / "").string());
+    m_gen.SetFileName("cut.wav");
+    {
+        const FileSizeLimit full(4096);
+        m_gen.GenerateFile();
+    }
+    EXPECT_NE(m_gen.LastError().find(std::strerror(EFBIG)), std::string::npos) << m_gen.LastError();
+    EXPECT_FALSE(fs::exists(m_dir / "cut.wav"));
 }
 
 std::string MillionCharacters() {
