@@ -70,7 +70,7 @@ TEST(ServerLoss, AQueuedPlayerWhoseWritesFailStopsAndIsDestroyed) {
         ASSERT_TRUE(player.IsOpen());
         ASSERT_EQ(player.AddTone(600, 0.5), 1);
         std::this_thread::sleep_for(200ms);
-        KillServer();
+        pulse_server::Kill();
         // Tones keep coming until the player finds its writes failing.
         for (int i = 0; i < 400 && player.IsOpen(); ++i) {
             player.AddTone(600, 0.5);
@@ -80,7 +80,7 @@ TEST(ServerLoss, AQueuedPlayerWhoseWritesFailStopsAndIsDestroyed) {
         EXPECT_EQ(player.StopThreadWait(), 0u);
     }
     EXPECT_LT(Clock::now() - start, 10s) << "not the 60 s wait for slots that never return";
-    RestartServer();
+    pulse_server::Restart();
 }
 
 TEST(ServerLoss, ABufferPlayerTellsThatItsDeviceWentAway) {
@@ -93,7 +93,7 @@ TEST(ServerLoss, ABufferPlayerTellsThatItsDeviceWentAway) {
     ASSERT_EQ(player.Play(1), Player::kOk);
     std::this_thread::sleep_for(300ms);
     ASSERT_TRUE(player.IsPlaying());
-    KillServer();
+    pulse_server::Kill();
     const auto start = Clock::now();
     while (player.IsPlaying() && Clock::now() - start < 3s) {
         std::this_thread::sleep_for(10ms);
@@ -101,7 +101,7 @@ TEST(ServerLoss, ABufferPlayerTellsThatItsDeviceWentAway) {
     EXPECT_FALSE(player.IsPlaying());
     EXPECT_EQ(player.Status(), Player::kErrBufferLost);
     EXPECT_EQ(player.Play(1), Player::kErrBufferLost);
-    RestartServer();
+    pulse_server::Restart();
 }
 
 TEST(ServerLoss, RecorderStopsWhenTheServerDies) {
