@@ -224,15 +224,12 @@ void CKeyingDecoder::CloseLetter() {
     if (m_pattern.empty()) {
         return;
     }
-    std::string letter = CMorseAlphabet::PatternToText(m_pattern, false);
-    if (letter.empty()) {
-        letter = "*";
-    }
+    const std::string letter = CMorseAlphabet::PatternToText(m_pattern, false);
     if (m_wordOpen) {
         m_text += ' ';
         m_wordOpen = false;
     }
-    m_text += letter;
+    m_text.append(letter.empty() ? std::string_view("*") : std::string_view(letter));
     m_pattern.clear();
 }
 
