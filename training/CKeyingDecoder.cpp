@@ -113,8 +113,10 @@ void CKeyingDecoder::Estimate() {
     const Split split = BestSplit(m_marks);
     if (split.highCount > 0 && split.high >= kClusterRatio * split.low) {
         m_unit = split.low;  // the dit is the unit, however long the dahs
+        m_markBorder = std::sqrt(split.low * split.high);
         return;
     }
+    m_markBorder = 0.0;
     // One kind of mark only: their own length says which once a unit is known.
     double mean = 0.0;
     for (const double m : m_marks) {
@@ -189,13 +191,7 @@ void CKeyingDecoder::Settle() {
 void CKeyingDecoder::Classify(const Duration& duration) {
     const double unit = m_unit;
     if (duration.mark) {
-        double border = kElementGapBorderUnits * unit;
-        if (m_marks.size() >= 2) {
-            const Split split = BestSplit(m_marks);
-            if (split.highCount > 0 && split.high >= kClusterRatio * split.low) {
-                border = std::sqrt(split.low * split.high);
-            }
-        }
+        const double border = m_markBorder > 0.0 ? m_markBorder : kElementGapBorderUnits * unit;
         const bool dit = duration.seconds < border;
         m_pattern += dit ? '.' : '-';
         Add(dit ? KeyedKind::Dit : KeyedKind::Dah, duration.seconds);

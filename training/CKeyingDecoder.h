@@ -97,6 +97,7 @@ private:
 
     double m_hintUnit = 0.0;
     double m_unit = 0.0;             ///< 0 while unknown
+    double m_markBorder = 0.0;       ///< dit/dah border in seconds; 0: two units
     double m_wordBorder = 0.0;       ///< letter/word gap border in seconds; 0: five units
     std::deque<double> m_marks;      ///< the recent marks the unit is estimated from
     std::deque<double> m_gaps;       ///< the recent spaces of two units and more

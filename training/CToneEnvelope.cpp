@@ -41,6 +41,11 @@ struct Goertzel {
     double Power() const { return s1 * s1 + s2 * s2 - coefficient * s1 * s2; }
 };
 
+/// The amplitude of the tone in a block of n samples, full scale 1.
+double Amplitude(const Goertzel& g, std::size_t n) {
+    return 2.0 * std::sqrt(std::max(g.Power(), 0.0)) / static_cast<double>(n);
+}
+
 double Coefficient(double hz, std::uint32_t sampleRate) {
     return 2.0 * std::cos(2.0 * std::numbers::pi * hz / sampleRate);
 }
@@ -119,8 +124,7 @@ void CToneEnvelope::Search() {
         for (std::size_t i = at; i < at + m_blockSamples; ++i) {
             g.Add(m_held[i]);
         }
-        amplitudes.push_back(2.0 * std::sqrt(std::max(g.Power(), 0.0)) /
-                             static_cast<double>(m_blockSamples));
+        amplitudes.push_back(Amplitude(g, m_blockSamples));
     }
     if (amplitudes.empty()) {
         m_toneHz = 0.0;
@@ -138,18 +142,18 @@ void CToneEnvelope::Track(std::span<const float> samples) {
     if (m_toneHz <= 0.0) {
         return;
     }
+    Goertzel g{m_coefficient, m_s1, m_s2};
     for (const float x : samples) {
-        const double s0 = x + m_coefficient * m_s1 - m_s2;
-        m_s2 = m_s1;
-        m_s1 = s0;
+        g.Add(x);
         if (++m_inBlock == m_blockSamples) {
-            const double power = m_s1 * m_s1 + m_s2 * m_s2 - m_coefficient * m_s1 * m_s2;
-            Block(2.0 * std::sqrt(std::max(power, 0.0)) / static_cast<double>(m_blockSamples));
-            m_s1 = 0.0;
-            m_s2 = 0.0;
+            Block(Amplitude(g, m_blockSamples));
+            g.s1 = 0.0;
+            g.s2 = 0.0;
             m_inBlock = 0;
         }
     }
+    m_s1 = g.s1;
+    m_s2 = g.s2;
 }
 
 void CToneEnvelope::Block(double amplitude) {
