@@ -18,9 +18,8 @@
 
 #include "sound/CCodeWaveGen.h"
 #include "training/CCopyScorer.h"
-#include "training/CKeyingDecoder.h"
 #include "training/CPcmWaveReader.h"
-#include "training/CToneEnvelope.h"
+#include "training/DecodeWave.h"
 
 namespace {
 
@@ -125,17 +124,8 @@ int main(int argc, char** argv) {
         }
         return sum * 0.0;
     });
-    const Run decoding = InChild([&] {
-        CPcmWaveReader reader(wav.string());
-        CKeyingDecoder decoder;
-        CToneEnvelope envelope(reader.SampleRate(), decoder);
-        std::vector<float> piece(kPieceFrames);
-        while (const std::size_t frames = reader.Read(piece)) {
-            envelope.Feed(std::span<const float>(piece.data(), frames));
-        }
-        envelope.Finish();
-        return CCopyScorer::Score(text, decoder.Text()).Accuracy();
-    });
+    const Run decoding = InChild(
+        [&] { return CCopyScorer::Score(text, DecodeWaveFile(wav.string()).text).Accuracy(); });
     std::filesystem::remove(wav);
 
     std::printf("audio: %.0f s (%.1f MB of 16-bit PCM, 11025 Hz, %d WPM nominal)\n", audioSeconds,

@@ -4,16 +4,13 @@
 #include <cmath>
 #include <ostream>
 
-#include "training/CKeyingDecoder.h"
-#include "training/CPcmWaveReader.h"
-#include "training/CToneEnvelope.h"
+#include "training/DecodeWave.h"
 
 namespace {
 
 constexpr int kExitOk = 0;
 constexpr int kExitFailure = 1;
 constexpr int kExitUsage = 2;
-constexpr std::size_t kPieceFrames = 1 << 15;
 
 }  // namespace
 
@@ -23,29 +20,13 @@ int SendCommands::DecodeAudio(const std::vector<std::string>& files, std::ostrea
         err << "tonwerk-cli decode-audio: one WAV file is needed\n";
         return kExitUsage;
     }
-    const std::string& file = files.front();
-    CPcmWaveReader reader(file);
-    if (!reader.Error().empty()) {
-        err << "tonwerk-cli decode-audio: " << file << ": " << reader.Error() << '\n';
+    const DecodedWave decoded = DecodeWaveFile(files.front());
+    if (!decoded.error.empty()) {
+        err << "tonwerk-cli decode-audio: " << files.front() << ": " << decoded.error << '\n';
         return kExitFailure;
     }
-    CKeyingDecoder decoder;
-    CToneEnvelope envelope(reader.SampleRate(), decoder);
-    std::vector<float> piece(kPieceFrames);
-    while (const std::size_t frames = reader.Read(piece)) {
-        envelope.Feed(std::span<const float>(piece.data(), frames));
-    }
-    envelope.Finish();
-    if (!reader.Error().empty()) {
-        err << "tonwerk-cli decode-audio: " << file << ": " << reader.Error() << '\n';
-        return kExitFailure;
-    }
-    if (envelope.ToneHz() <= 0.0 || decoder.Text().empty()) {
-        err << "tonwerk-cli decode-audio: " << file << ": no keyed tone found\n";
-        return kExitFailure;
-    }
-    out << decoder.Text() << '\n'
-        << "estimated " << std::lround(decoder.WordsPerMinute()) << " WPM (tone "
-        << std::lround(envelope.ToneHz()) << " Hz)\n";
+    out << decoded.text << '\n'
+        << "estimated " << std::lround(decoded.wordsPerMinute) << " WPM (tone "
+        << std::lround(decoded.toneHz) << " Hz)\n";
     return kExitOk;
 }

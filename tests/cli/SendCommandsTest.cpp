@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/CCommandLineTool.h"
+#include "cli/CSendCommands.h"
 
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cstdint>
 #include <fstream>
 #include <sstream>
 
+#include "cli/CCommandLineTool.h"
 #include "model/CMemoryProfile.h"
 
 namespace {
@@ -19,13 +21,10 @@ struct Result {
     std::string err;
 };
 
-Result RunCli(const std::vector<std::string>& args) {
-    CMemoryProfile profile;
-    std::istringstream in;
+Result DecodeAudio(const std::vector<std::string>& files) {
     std::ostringstream out;
     std::ostringstream err;
-    CCommandLineTool tool(profile, in, out, err, [] { return 1700000000LL; });
-    const int status = tool.Run(args);
+    const int status = SendCommands::DecodeAudio(files, out, err);
     return {status, out.str(), err.str()};
 }
 
@@ -57,15 +56,19 @@ void WriteWave(const std::string& name, std::uint16_t formatTag,
     }
 }
 
-TEST(SendCommands, DecodeAudioReadsBackARenderedFile) {
+TEST(SendCommands, DecodeAudioReadsBackTheToolsOwnRendering) {
     QTemporaryDir dir;
     const std::string wav = dir.filePath("cq.wav").toStdString();
-    ASSERT_EQ(RunCli({"wav", "--wpm", "18", "-o", wav, "CQ DE K5AB"}).status, 0);
-    const Result result = RunCli({"decode-audio", wav});
-    EXPECT_EQ(result.status, 0);
+    CMemoryProfile profile;
+    std::istringstream in;
+    std::ostringstream out;
+    std::ostringstream err;
+    CCommandLineTool tool(profile, in, out, err, [] { return 1700000000LL; });
+    ASSERT_EQ(tool.Run({"wav", "--wpm", "18", "-o", wav, "CQ DE K5AB"}), 0);
+    EXPECT_EQ(tool.Run({"decode-audio", wav}), 0);
     // The generator's blocks make an 18 WPM file key at 30 WPM (14 blocks of 2.9 ms a dit).
-    EXPECT_EQ(result.out, "CQ DE K5AB\nestimated 30 WPM (tone 1034 Hz)\n");
-    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(out.str(), "CQ DE K5AB\nestimated 30 WPM (tone 1034 Hz)\n");
+    EXPECT_EQ(err.str(), "");
 }
 
 TEST(SendCommands, DecodeAudioSaysInOneLineWhyAFileCannotBeRead) {
@@ -88,14 +91,14 @@ TEST(SendCommands, DecodeAudioSaysInOneLineWhyAFileCannotBeRead) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.file);
-        const Result result = RunCli({"decode-audio", c.file});
+        const Result result = DecodeAudio({c.file});
         EXPECT_EQ(result.status, 1);
         EXPECT_EQ(result.out, "");
         EXPECT_EQ(result.err.rfind("tonwerk-cli decode-audio: " + c.file + c.line, 0), 0U)
             << result.err;
         EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1);
     }
-    EXPECT_EQ(RunCli({"decode-audio"}).status, 2);
+    EXPECT_EQ(DecodeAudio({}).status, 2);
 }
 
 }  // namespace
