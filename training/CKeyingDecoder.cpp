@@ -35,15 +35,17 @@ struct Split {
 };
 
 /// The best split of durations into a shorter and a longer cluster, judged on their logarithms
-/// (largest variance between the two). A duration over four times the shortest counts as four
-/// times it, so a long pause or a key held down does not take a cluster to itself.
+/// (largest variance between the two). A duration over four times the short ones (the tenth
+/// percentile, so one glitch does not count) counts as four times them, so a long pause or a key
+/// held down does not take a cluster to itself.
 Split BestSplit(const std::deque<double>& durations) {
     std::vector<double> sorted(durations.begin(), durations.end());
     std::sort(sorted.begin(), sorted.end());
     const std::size_t n = sorted.size();
+    const double longest = n > 0 ? kOutlierRatio * sorted[n / 10] : 0.0;
     double totalLog = 0.0;
     for (double& d : sorted) {
-        d = std::min(d, kOutlierRatio * sorted.front());
+        d = std::min(d, longest);
         totalLog += std::log(d);
     }
     std::size_t best = n;
@@ -73,6 +75,11 @@ Split BestSplit(const std::deque<double>& durations) {
             std::accumulate(middle, sorted.end(), 0.0) / static_cast<double>(split.highCount);
     }
     return split;
+}
+
+/// Whether the two clusters are of two kinds: the longer at least ratio times the shorter.
+bool Apart(const Split& split, double ratio) {
+    return split.highCount > 0 && split.high >= ratio * split.low;
 }
 
 void Push(std::deque<double>& window, double value, std::size_t limit) {
@@ -111,7 +118,7 @@ void CKeyingDecoder::Space(double seconds) {
 
 void CKeyingDecoder::Estimate() {
     const Split split = BestSplit(m_marks);
-    if (split.highCount > 0 && split.high >= kClusterRatio * split.low) {
+    if (Apart(split, kClusterRatio)) {
         m_unit = split.low;  // the dit is the unit, however long the dahs
         m_markBorder = std::sqrt(split.low * split.high);
         return;
@@ -164,7 +171,7 @@ void CKeyingDecoder::Flush() {
             return;
         }
         const Split split = BestSplit(gaps);
-        if (split.highCount > 0 && split.high >= kGapClusterRatio * split.low) {
+        if (Apart(split, kGapClusterRatio)) {
             m_wordBorder = std::sqrt(split.low * split.high);
         } else if (std::max(split.low, split.high) < kPlainLetterGapUnits * m_unit) {
             m_wordBorder = kWordGapBorderUnits * m_unit;
@@ -203,7 +210,7 @@ void CKeyingDecoder::Classify(const Duration& duration) {
     }
     Push(m_gaps, duration.seconds, kGapWindow);
     const Split split = BestSplit(m_gaps);
-    if (split.highCount > 0 && split.high >= kGapClusterRatio * split.low) {
+    if (Apart(split, kGapClusterRatio)) {
         m_wordBorder = std::sqrt(split.low * split.high);
     }
     const double border = m_wordBorder > 0.0 ? m_wordBorder : kWordGapBorderUnits * unit;
@@ -232,7 +239,6 @@ void CKeyingDecoder::CloseLetter() {
 void CKeyingDecoder::Finish() {
     Settle();
     Flush();
-    m_waiting.clear();  // spaces alone, before any mark
     CloseLetter();
     m_wordOpen = false;
 }
