@@ -78,12 +78,17 @@ TEST(ToneEnvelope, ReadsTheTrainersOwnFilesAtEverySpeedAndSpacing) {
 }
 
 TEST(ToneEnvelope, KeepsAtLeast98PercentIn10DecibelsOfWhiteNoise) {
-    for (const unsigned seed : {1U, 2U, 3U}) {
-        SCOPED_TRACE(seed);
+    struct Case {
+        unsigned seed;
+        int wpm;
+        int farnsworth;
+    };
+    for (const Case c : {Case{1, 20, 0}, Case{2, 60, 0}, Case{3, 8, 6}}) {
+        SCOPED_TRACE(testing::Message() << c.wpm << " WPM, Farnsworth " << c.farnsworth);
         std::uint32_t rate = 0;
-        std::vector<float> samples = Render(kText, 20, 0, &rate);
+        std::vector<float> samples = Render(kText, c.wpm, c.farnsworth, &rate);
         // The tone's amplitude is 0.8 of full scale: power 0.32, the noise's a tenth of it.
-        std::mt19937 rng(seed);
+        std::mt19937 rng(c.seed);
         std::normal_distribution<float> noise(0.0F, static_cast<float>(std::sqrt(0.032)));
         std::vector<float> lead(rate, 0.0F);  // a second of noise before the keying
         samples.insert(samples.begin(), lead.begin(), lead.end());
