@@ -36,15 +36,17 @@ struct KeyingStats {
 
 /// Decodes keyed Morse from its mark and space durations, from a key or from a tone's envelope.
 /// The unit is estimated adaptively over the recent marks: their lengths are split into two
-/// clusters (dits and dahs) where they differ enough, and the unit is taken from both. Spaces
-/// under two units are element gaps; the longer ones are split into letter and word gaps by
-/// clustering them too, so stretched (Farnsworth) spacing is read as such, with five units as
-/// the border until both kinds have been seen. Letters are looked up in the trainer's alphabet,
-/// pro signs included; a pattern it does not know is written as '*'.
+/// clusters (dits and dahs) where they differ enough, and the unit is the dits' mean, however
+/// long the dahs. Spaces under two units are element gaps; the longer ones are split into letter
+/// and word gaps by clustering them too, so stretched (Farnsworth) spacing is read as such; while
+/// only one kind has been seen, gaps under 4.5 units are letter gaps and the border is five
+/// units. Letters are looked up in the trainer's alphabet, pro signs included; a pattern it does
+/// not know is written as '*'. Spaces before the first mark are ignored.
 ///
-/// Until the marks show both dits and dahs the unit is unknown, and what was keyed waits; it is
-/// decoded as soon as the estimate is there (or with the speed hint, or at Finish). Memory stays
-/// flat however long the keying runs, unless the timeline is kept.
+/// What is keyed before the unit (from both kinds of mark, or one kind and the gaps between
+/// them) and the word border are known waits, and is decoded as soon as they are (or with the
+/// speed hint, or at Finish, or once 256 durations wait). Memory stays flat however long the
+/// keying runs, unless the timeline is kept.
 class CKeyingDecoder {
 public:
     /// @param hintWordsPerMinute  the speed assumed while the marks leave the unit open (for
