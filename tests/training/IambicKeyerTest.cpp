@@ -6,8 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "training/CKeyingDecoder.h"
-
 namespace {
 
 constexpr std::uint32_t kRate = 48000;
@@ -110,32 +108,6 @@ TEST(IambicKeyer, KeysAtTheSetSpeedOnTheSampleClock) {
     keyer.Advance(10 * 2880);  // one long step passes the gap and stops
     EXPECT_FALSE(keyer.KeyDown());
     EXPECT_EQ(keyer.SamplesToNextChange(), CIambicKeyer::kForever);
-}
-
-TEST(IambicKeyer, ItsKeyingDecodes) {
-    // C by a squeeze held from the dah on, let go during the last dit in Iambic A.
-    CIambicKeyer keyer(kRate, 25, CIambicKeyer::Mode::IambicA);
-    CKeyingDecoder decoder(25);
-    const std::int64_t unit = keyer.UnitSamples();
-    keyer.SetPaddles(false, true);
-    keyer.SetPaddles(true, true);
-    std::int64_t length = 0;
-    bool down = keyer.KeyDown();
-    for (std::int64_t t = 0; t < 40 * unit; ++t) {
-        if (t == 10 * unit + unit / 2) {
-            keyer.SetPaddles(false, false);
-        }
-        if (keyer.KeyDown() != down) {
-            down ? decoder.Mark(static_cast<double>(length) / kRate)
-                 : decoder.Space(static_cast<double>(length) / kRate);
-            down = keyer.KeyDown();
-            length = 0;
-        }
-        keyer.Advance(1);
-        ++length;
-    }
-    decoder.Finish();
-    EXPECT_EQ(decoder.Text(), "C");
 }
 
 }  // namespace

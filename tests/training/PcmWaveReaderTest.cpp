@@ -8,7 +8,10 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <string>
 #include <vector>
+
+#include "training/DecodeWave.h"
 
 namespace {
 
@@ -16,6 +19,38 @@ void Put(std::ofstream& file, std::uint32_t value, int bytes) {
     for (int i = 0; i < bytes; ++i) {
         file.put(static_cast<char>((value >> (8 * i)) & 0xFF));
     }
+}
+
+/// A WAV file at 8000 Hz, with an odd-sized chunk to be skipped before its format.
+void WriteWave(const std::filesystem::path& name, std::uint16_t formatTag, int bits, int channels,
+               const std::vector<std::uint32_t>& raw, std::uint32_t dataBytesClaimed = 0) {
+    std::ofstream out(name, std::ios::binary);
+    const int bytes = bits / 8;
+    const auto dataBytes = static_cast<std::uint32_t>(raw.size()) * bytes;
+    out << "RIFF";
+    Put(out, 36 + 10 + dataBytes, 4);
+    out << "WAVELIST";
+    Put(out, 1, 4);
+    out.put('x');
+    out.put(0);
+    out << "fmt ";
+    Put(out, 16, 4);
+    Put(out, formatTag, 2);
+    Put(out, channels, 2);
+    Put(out, 8000, 4);
+    Put(out, 8000 * channels * bytes, 4);
+    Put(out, channels * bytes, 2);
+    Put(out, bits, 2);
+    out << "data";
+    Put(out, dataBytesClaimed != 0 ? dataBytesClaimed : dataBytes, 4);
+    for (const std::uint32_t sample : raw) {
+        Put(out, sample, bytes);
+    }
+}
+
+std::filesystem::path TempFile(const char* name) {
+    return std::filesystem::temp_directory_path() /
+           ("tonwerk-" + std::to_string(getpid()) + "-" + name);
 }
 
 TEST(PcmWaveReader, ReadsEverySampleWidthAndMixesChannelsDown) {
@@ -35,34 +70,10 @@ TEST(PcmWaveReader, ReadsEverySampleWidthAndMixesChannelsDown) {
         {"stereo averaged", 16, 2, {0x4000, 0x0000, 0xC000, 0xC000}, {0.25F, -0.5F}, 0},
         {"data longer than the file", 16, 1, {0x2000}, {0.25F}, 0xFFFFFFF0U},
     };
-    const auto file =
-        std::filesystem::temp_directory_path() / ("tonwerk-pcm-" + std::to_string(getpid()));
+    const auto file = TempFile("width.wav");
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        {
-            std::ofstream out(file, std::ios::binary);
-            const int bytes = c.bits / 8;
-            const auto dataBytes = static_cast<std::uint32_t>(c.raw.size()) * bytes;
-            out << "RIFF";
-            Put(out, 36 + 10 + dataBytes, 4);
-            out << "WAVELIST";  // a chunk to be skipped (odd-sized, padded)
-            Put(out, 1, 4);
-            out.put('x');
-            out.put(0);
-            out << "fmt ";
-            Put(out, 16, 4);
-            Put(out, 1, 2);
-            Put(out, c.channels, 2);
-            Put(out, 8000, 4);
-            Put(out, 8000 * c.channels * bytes, 4);
-            Put(out, c.channels * bytes, 2);
-            Put(out, c.bits, 2);
-            out << "data";
-            Put(out, c.dataBytesClaimed != 0 ? c.dataBytesClaimed : dataBytes, 4);
-            for (const std::uint32_t sample : c.raw) {
-                Put(out, sample, bytes);
-            }
-        }
+        WriteWave(file, 1, c.bits, c.channels, c.raw, c.dataBytesClaimed);
         CPcmWaveReader reader(file.string());
         ASSERT_EQ(reader.Error(), "");
         EXPECT_EQ(reader.SampleRate(), 8000U);
@@ -74,6 +85,30 @@ TEST(PcmWaveReader, ReadsEverySampleWidthAndMixesChannelsDown) {
         EXPECT_EQ(reader.Read(samples), 0U);
     }
     std::filesystem::remove(file);
+}
+
+TEST(DecodeWave, SaysInOneLineWhyAFileCannotBeDecoded) {
+    struct Case {
+        const char* name;
+        const char* error;  ///< the start of it
+    };
+    const Case cases[] = {
+        {"missing.wav", "cannot open "},       {"text.wav", "not a WAV file"},
+        {"float.wav", "not PCM (format 3)"},   {"empty.wav", "empty: the file holds no samples"},
+        {"silent.wav", "no keyed tone found"},
+    };
+    std::ofstream(TempFile("text.wav")) << "not a sound at all";
+    WriteWave(TempFile("float.wav"), 3, 32, 1, {1, 2, 3, 4});
+    WriteWave(TempFile("empty.wav"), 1, 16, 1, {});
+    WriteWave(TempFile("silent.wav"), 1, 16, 1, std::vector<std::uint32_t>(16000, 0));
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const DecodedWave decoded = DecodeWaveFile(TempFile(c.name).string());
+        EXPECT_EQ(decoded.error.rfind(c.error, 0), 0U) << decoded.error;
+        EXPECT_EQ(decoded.error.find('\n'), std::string::npos);
+        EXPECT_EQ(decoded.text, "");
+        std::filesystem::remove(TempFile(c.name));
+    }
 }
 
 }  // namespace
