@@ -23,6 +23,7 @@
 #include "audio/INotifyTarget.h"
 #include "audio/WaveAudio.h"
 #include "cli/CCopyCommands.h"
+#include "cli/CSendCommands.h"
 #include "model/CCrtRandom.h"
 #include "model/CMorseAlphabet.h"
 #include "model/CProfileSettings.h"
@@ -135,6 +136,13 @@ const std::vector<CCommandLineTool::Command>& CCommandLineTool::Commands() {
          {"--database"},
          {"--csv"},
          &CCommandLineTool::History},
+        {"decode-audio",
+         "decode-audio FILE.wav",
+         "Decode on/off-keyed Morse from a PCM WAV file at its strongest tone; print the text,\n"
+         "      then the estimated speed.",
+         {},
+         {},
+         &CCommandLineTool::DecodeAudio},
     };
     return commands;
 }
@@ -547,4 +555,8 @@ int CCommandLineTool::Koch(Options& options) {
 
 int CCommandLineTool::History(Options& options) {
     return CopyCommands::History(options.values, options.Has("--csv"), m_out, m_err);
+}
+
+int CCommandLineTool::DecodeAudio(Options& options) {
+    return SendCommands::DecodeAudio(options.text, m_out, m_err);
 }

@@ -38,6 +38,7 @@ private:
     int Score(Options& options);
     int Koch(Options& options);
     int History(Options& options);
+    int DecodeAudio(Options& options);
 
     int Usage(std::string_view message);
     std::string TextArgument(const Options& options);
