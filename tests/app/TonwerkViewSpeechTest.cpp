@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QKeyEvent>
+#include <QScrollArea>
 #include <QSlider>
 #include <QTextEdit>
 #include <QTimer>
@@ -226,6 +227,8 @@ private slots:
         practice->moveCursor(QTextCursor::End);
         QTRY_VERIFY(practice->hasFocus());
         auto* mute = Control<QCheckBox>(1051);
+        // The offscreen screen is narrower than the form: Mute is scrolled into the window first.
+        Frame().findChild<QScrollArea*>()->ensureWidgetVisible(mute);
         std::vector<unsigned> delivered;
         const QMetaObject::Connection connection =
             connect(&View(), &CTonwerkView::AppMessage, this,
