@@ -200,8 +200,9 @@ bool CSoundFileWriter::Open(const std::string& path, SoundFileType type, int sam
 }
 
 bool CSoundFileWriter::Encode(std::span<const std::int16_t> samples) {
+    // The MP3 encoder counts a short write as written; the library's error state still tells.
     const auto count = static_cast<sf_count_t>(samples.size());
-    if (sf_write_short(m_file, samples.data(), count) != count) {
+    if (sf_write_short(m_file, samples.data(), count) != count || sf_error(m_file) != 0) {
         return Fail("cannot write " + m_path + ": " + sf_strerror(m_file));
     }
     return true;
@@ -269,10 +270,12 @@ bool CSoundFileWriter::Close() {
     if (m_file == nullptr) {
         return Fail("cannot write " + m_path + ": the file is not open");
     }
+    errno = 0;
     const int closed = sf_close(m_file);
     m_file = nullptr;
     if (closed != 0) {
-        Fail("cannot write " + m_path + ": " + sf_error_number(closed));
+        Fail("cannot write " + m_path + ": " +
+             (errno != 0 ? std::strerror(errno) : sf_error_number(closed)));
     }
     errno = 0;
     if (m_error.empty() && !m_temporary.empty() &&

@@ -208,6 +208,7 @@ TEST(CommandLineTool, RenderPicksTheTypeAndLeavesNothingBehindOnFailure) {
         {{"-o", folder + "c"}, 1, "cannot tell the file type"},
         {{"--format", "aac", "-o", folder + "c.ogg"}, 1, "unknown file type 'aac'"},
         {{"-o", folder + "no/such/c.opus"}, 1, "cannot create " + folder + "no/such/c.opus"},
+        {{"--format", "mp3", "-o", "/dev/full"}, 1, "cannot write /dev/full"},
         {{"--quality", "11", "-o", folder + "c.ogg"}, 2, "--quality takes a whole number"},
         {{"--quality", "400", "-o", folder + "c.mp3"}, 2, "--quality takes a whole number"},
     };
