@@ -180,12 +180,12 @@ bool CSoundFileWriter::Open(const std::string& path, SoundFileType type, int sam
     info.samplerate = rate;
     info.channels = m_channels;
     info.format = LibraryFormat(type);
-    m_file = sf_open_fd(fd, SFM_WRITE, &info, SF_TRUE);
+    // The descriptor stays this writer's to close, whatever the library made of it.
+    m_fd = fd;
+    m_file = sf_open_fd(fd, SFM_WRITE, &info, SF_FALSE);
     if (m_file == nullptr) {
         const std::string reason = sf_strerror(nullptr);
-        close(fd);
-        std::remove(m_temporary.c_str());
-        m_temporary.clear();
+        Abandon();
         return Fail("cannot write " + path + " as " + std::string(SoundFileTypeOf(type).name) +
                     ": " + reason);
     }
@@ -278,6 +278,11 @@ bool CSoundFileWriter::Close() {
              (errno != 0 ? std::strerror(errno) : sf_error_number(closed)));
     }
     errno = 0;
+    if (close(m_fd) != 0) {
+        Fail("cannot write " + m_path + ": " + std::strerror(errno));
+    }
+    m_fd = -1;
+    errno = 0;
     if (m_error.empty() && !m_temporary.empty() &&
         std::rename(m_temporary.c_str(), m_path.c_str()) != 0) {
         Fail("cannot create " + m_path + ": " + std::strerror(errno));
@@ -293,6 +298,10 @@ void CSoundFileWriter::Abandon() {
     if (m_file != nullptr) {
         sf_close(m_file);
         m_file = nullptr;
+    }
+    if (m_fd >= 0) {
+        close(m_fd);
+        m_fd = -1;
     }
     if (!m_temporary.empty()) {
         std::remove(m_temporary.c_str());

@@ -74,6 +74,7 @@ private:
     bool Fail(const std::string& message);
 
     sf_private_tag* m_file = nullptr;
+    int m_fd = -1;
     std::string m_path;
     std::string m_temporary;
     std::string m_error;
