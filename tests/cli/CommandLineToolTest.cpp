@@ -197,6 +197,13 @@ TEST(CommandLineTool, RenderPicksTheTypeAndLeavesNothingBehindOnFailure) {
     }
     EXPECT_EQ(RunTool({"wav", "--wpm", "20", "-o", folder + "b.wav", "PARIS"}).status, 0);
     EXPECT_EQ(ReadFile(folder + "a.wav"), ReadFile(folder + "b.wav"));
+    // Without --quality the profile's MP3 bit rate holds: half of a.mp3's, about half its size.
+    CMemoryProfile profile;
+    profile.WriteInt("SoundFile", "Mp3BitRate", 16);
+    const Result q =
+        RunTool({"render", "--wpm", "20", "-o", folder + "q.mp3", "PARIS"}, {}, &profile);
+    EXPECT_EQ(q.status, 0) << q.err;
+    EXPECT_LT(ReadFile(folder + "q.mp3").size() * 10, ReadFile(folder + "a.mp3").size() * 6);
 
     // One line and status 1 for a type or a place that cannot be written, 2 for wrong usage.
     const struct {
@@ -223,7 +230,7 @@ TEST(CommandLineTool, RenderPicksTheTypeAndLeavesNothingBehindOnFailure) {
         EXPECT_NE(entry.path().filename().string()[0], 'c') << entry.path();
         ++files;
     }
-    EXPECT_EQ(files, std::size(written) + 1);
+    EXPECT_EQ(files, std::size(written) + 2);
     std::filesystem::remove_all(folder);
 }
 
