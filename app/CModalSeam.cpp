@@ -95,6 +95,13 @@ QString CModalSeam::SaveFileName(QWidget* parent, const QString& initialName, co
     QFileDialog dialog(parent, QObject::tr("Save As"), initialName, filter);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(defaultSuffix);
+    // With several file types the name takes the extension of the one chosen: "MP3 (*.mp3)".
+    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&dialog](const QString& f) {
+        const qsizetype star = f.indexOf(QStringLiteral("(*."));
+        if (star >= 0) {
+            dialog.setDefaultSuffix(f.mid(star + 3).section(')', 0, 0));
+        }
+    });
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
         return QString();
     }

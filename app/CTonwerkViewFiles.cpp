@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <cstdint>
+#include <span>
 
 #include "app/CMainFrame.h"
 #include "app/CModalSeam.h"
@@ -15,6 +16,7 @@
 #include "audio/CWaveOut.h"
 #include "model/WaveFileNames.h"
 #include "res/TonwerkResources.h"
+#include "sound/CSoundFileWriter.h"
 #include "widgets/CImageButton.h"
 #include "widgets/CStatusProgress.h"
 
@@ -35,6 +37,22 @@ QString DefaultRecordingFolder() {
 #endif
 }
 
+/// A recording in the type chosen: Wave by the recording's own writer, as always, the others
+/// encoded from the same samples.
+bool SaveRecording(const CWave& recording, const std::string& path, SoundFileType type,
+                   const SoundFileQuality& quality) {
+    if (type == SoundFileType::kWave) {
+        return recording.Save(path);
+    }
+    const WaveFormat& format = recording.GetFormat();
+    CSoundFileWriter writer;
+    return writer.Open(path, type, static_cast<int>(format.samplesPerSec), format.channels,
+                       quality) &&
+           writer.WriteLittleEndian(
+               std::as_bytes(std::span(recording.GetBuffer(), recording.GetBufferLength()))) &&
+           writer.Close();
+}
+
 }  // namespace
 
 void CTonwerkView::OnGenerateFile() {
@@ -43,13 +61,25 @@ void CTonwerkView::OnGenerateFile() {
     const QString defaultName =
         QString::fromStdString(DefaultWaveFileName(m_doc->PathName().toStdString()));
     const QString chosen =
-        CModalSeam::SaveFileName(this, defaultName, tr("All wave files (*.wav)"), "wav");
+        CModalSeam::SaveFileName(this, defaultName, CWaveFileDlg::FileFilter(), "wav");
     QString fileName;
     if (!chosen.isEmpty()) {
         const auto [folder, name] = SplitFolderAndName(chosen.toStdString());
         fileName = QString::fromStdString(name);
         m_waveGen.SetFileName(name);
         m_waveGen.SetFolder(folder);
+    }
+    // The type follows the extension, which the save dialog adds from the chosen file type.
+    if (!fileName.isEmpty()) {
+        if (const auto type = SoundFileTypeFromPath(fileName.toStdString())) {
+            m_waveGen.SetFileType(*type);
+            m_waveGen.SetQuality(ReadSoundFileQuality(m_doc->Settings().Profile()));
+        } else {
+            CModalSeam::Message(this, tr("%1 is not a file type Tonwerk writes: choose Wave, MP3, "
+                                         "Ogg Vorbis, Opus or FLAC.")
+                                          .arg(fileName));
+            fileName.clear();
+        }
     }
 
     // The bar is set up even when nothing is generated.
@@ -139,6 +169,7 @@ void CTonwerkView::FinishSessionRecording() {
         dialog.m_folder = QString::fromStdString(
             profile.GetString(section, "Path", DefaultRecordingFolder().toStdString()));
         dialog.m_remember = profile.GetInt(section, "Remember", 0);
+        dialog.m_quality = ReadSoundFileQuality(profile);
         // Shown every time: the remember box only decides whether the entries are stored. A
         // recording that could not be written (a full disk, a folder that is gone) is offered
         // again rather than lost; only Cancel lets it go.
@@ -150,9 +181,10 @@ void CTonwerkView::FinishSessionRecording() {
                 profile.WriteString(section, "Path", dialog.m_folder.toStdString());
                 profile.WriteInt(section, "Remember", 1);
             }
+            WriteSoundFileQuality(profile, dialog.m_quality);
             const bool saved = [&] {
                 const CWaitCursor wait;
-                return recording.Save(path);
+                return SaveRecording(recording, path, dialog.m_fileType, dialog.m_quality);
             }();
             if (saved) {
                 break;

@@ -2,6 +2,7 @@
 #include "audio/PortAudioDevice.h"
 
 #include <alsa/asoundlib.h>
+#include <dlfcn.h>
 #include <pthread.h>
 #include <sched.h>
 
@@ -19,6 +20,20 @@ constexpr auto kRefreshInterval = 1s;
 constexpr double kOutputLatency = 0.025;
 
 void QuietAlsa(const char*, int, const char*, int, const char*, ...) {}
+
+void QuietJackMessage(const char*) {}
+
+/// Probing for a JACK server (PortAudio's own and ALSA's JACK plugin) makes libjack print to the
+/// terminal that none is running. libjack comes with PortAudio, so its handlers are set where it
+/// is loaded; without it there is nothing to quiet.
+void QuietJack() {
+    using Setter = void (*)(void (*)(const char*));
+    for (const char* name : {"jack_set_error_function", "jack_set_info_function"}) {
+        if (void* symbol = dlsym(RTLD_DEFAULT, name)) {
+            reinterpret_cast<Setter>(symbol)(&QuietJackMessage);
+        }
+    }
+}
 
 // PortAudio is initialised once and refreshed (to see a server that came up later) only while
 // no stream is open, under this lock.
@@ -39,6 +54,7 @@ bool EnsurePlatformLocked() {
     }
     if (!g_initialized) {
         snd_lib_error_set_handler(&QuietAlsa);
+        QuietJack();
         if (Pa_Initialize() != paNoError) {
             return false;
         }

@@ -12,29 +12,13 @@
 #include <filesystem>
 #include <string>
 
+#include "bench/PracticeText.h"
 #include "sound/CCodeWaveGen.h"
 
 namespace {
 
 double Seconds(std::chrono::steady_clock::time_point since) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
-}
-
-std::string PracticeText(std::size_t length) {
-    // Words of every length and character class, so tones, gaps and blanks all take their share.
-    const std::string words[] = {"PARIS", "CQ",  "DE",   "K5AB",  "73", "QTH",   "BERLIN",
-                                 "RST",   "599", "NAME", "HANS",  "?",  "TEST",  "5NN",
-                                 "AGN",   "PSE", "K",    "=",     "WX", "SUNNY", "TEMP",
-                                 "20C",   "/",   "ANT",  "DIPOLE"};
-    std::string text;
-    std::size_t i = 0;
-    while (text.size() < length) {
-        text += words[(i * 7 + i / 3) % std::size(words)];
-        text += ' ';
-        ++i;
-    }
-    text.resize(length);
-    return text;
 }
 
 }  // namespace

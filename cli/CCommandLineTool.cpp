@@ -37,7 +37,7 @@
 namespace {
 
 constexpr std::string_view kProgram = "tonwerk-cli";
-constexpr std::string_view kVersion = "1.0.0";
+constexpr std::string_view kVersion = TONWERK_VERSION;
 
 // Bounds of what the trainer itself accepts, so the tool never does more than a practice text.
 constexpr long long kMaxWordsPerMinute = 1000;
@@ -58,15 +58,6 @@ struct CCommandLineTool::Command {
     std::vector<std::string_view> valueOptions;
     std::vector<std::string_view> flags;
     int (CCommandLineTool::*handler)(Options&);
-};
-
-struct CCommandLineTool::Options {
-    const Command* command = nullptr;
-    std::map<std::string, std::string, std::less<>> values;
-    std::set<std::string, std::less<>> flags;
-    std::vector<std::string> text;
-
-    bool Has(std::string_view flag) const { return flags.contains(flag); }
 };
 
 // The subcommands, in the order the help lists them.
@@ -109,6 +100,15 @@ const std::vector<CCommandLineTool::Command>& CCommandLineTool::Commands() {
          {"--wpm", "--farnsworth", "-o", "--output"},
          {},
          &CCommandLineTool::Wav},
+        {"render",
+         "render --wpm N [--farnsworth F] -o FILE [--format TYPE] [--quality Q] [TEXT]",
+         "Write TEXT as a sound file of Morse code: wav, mp3, ogg (Vorbis), opus or flac,\n"
+         "      from --format or FILE's extension. Q is the MP3 bit rate in kbit/s (8 to 320)\n"
+         "      or the Vorbis and Opus quality (0 to 10); without it the profile's. A file\n"
+         "      that cannot be written is not left behind. Needs no sound device.",
+         {"--wpm", "--farnsworth", "-o", "--output", "--format", "--quality"},
+         {},
+         &CCommandLineTool::Render},
         {"play",
          "play --wpm N [--farnsworth F] [--pitch HZ] [TEXT]",
          "Key TEXT live through the default sound output, printing each character as it is\n"

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
 #include <iosfwd>
+#include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,7 +26,15 @@ public:
     int Run(const std::vector<std::string>& args);
 
     struct Command;
-    struct Options;
+    /// One command line taken apart; subcommands in files of their own read it too.
+    struct Options {
+        const Command* command = nullptr;
+        std::map<std::string, std::string, std::less<>> values;
+        std::set<std::string, std::less<>> flags;
+        std::vector<std::string> text;
+
+        bool Has(std::string_view flag) const { return flags.contains(flag); }
+    };
 
 private:
     static const std::vector<Command>& Commands();
@@ -34,6 +45,7 @@ private:
     int Random(Options& options);
     int CallSigns(Options& options);
     int Wav(Options& options);
+    int Render(Options& options);  // CCommandLineToolRender.cpp
     int Play(Options& options);
     int Score(Options& options);
     int Koch(Options& options);

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <span>
 #include <system_error>
 #include <vector>
 
@@ -15,6 +16,7 @@
 #include "model/CodePatterns.h"
 #include "model/CodeTiming.h"
 #include "sound/CNoDeviceGate.h"
+#include "sound/CSoundFileWriter.h"
 #include "sound/IProgressCtrl.h"
 
 namespace {
@@ -75,12 +77,14 @@ struct PointerSink {
     }
 };
 
-/// Collects rendered bytes in one piece buffer and writes it out whenever it is full; after the
-/// first failed write it only counts.
+/// Collects rendered bytes in one piece buffer and writes it out whenever it is full, to a file
+/// or to an encoder; after the first failed write it only counts.
 class FileSink {
 public:
     FileSink(std::FILE* file, std::vector<std::byte>& piece, std::int64_t limit)
         : m_file(file), m_piece(piece), m_limit(limit) {}
+    FileSink(CSoundFileWriter& encoder, std::vector<std::byte>& piece, std::int64_t limit)
+        : m_encoder(&encoder), m_file(nullptr), m_piece(piece), m_limit(limit) {}
 
     void Tone(std::int64_t blocks) {
         const auto& run = ToneRun();
@@ -128,7 +132,9 @@ private:
     }
 
     void Flush() {
-        if (m_fill > 0 && !m_failed) {
+        if (m_fill > 0 && !m_failed && m_encoder != nullptr) {
+            m_failed = !m_encoder->WriteLittleEndian(std::span(m_piece.data(), m_fill));
+        } else if (m_fill > 0 && !m_failed) {
             errno = 0;
             if (std::fwrite(m_piece.data(), 1, m_fill, m_file) != m_fill) {
                 m_failed = true;
@@ -138,6 +144,7 @@ private:
         m_fill = 0;
     }
 
+    CSoundFileWriter* m_encoder = nullptr;
     std::FILE* m_file;
     std::vector<std::byte>& m_piece;
     std::int64_t m_limit;
@@ -376,6 +383,15 @@ void CCodeWaveGen::GenerateFile() {
     const std::int64_t rendered = RenderedBytes();
     const std::int64_t dataBytes = std::min(rendered, kMaxDataBytes);
     const std::string path = m_folder + m_fileName;
+    if (m_fileType != SoundFileType::kWave) {
+        WriteEncoded(path, piece, rendered);
+        if (m_notify != nullptr) {
+            m_notify->PostMessage(kAppMessage + 1, 1, 1);
+        }
+        gate.UnprepareHeader();
+        gate.Close();
+        return;
+    }
 
     errno = 0;
     std::FILE* file = std::fopen(path.c_str(), "wb");
@@ -426,4 +442,23 @@ void CCodeWaveGen::GenerateFile() {
     }
     gate.UnprepareHeader();
     gate.Close();
+}
+
+void CCodeWaveGen::WriteEncoded(const std::string& path, std::vector<std::byte>& piece,
+                                std::int64_t renderedBytes) {
+    CSoundFileWriter writer;
+    const bool opened =
+        writer.Open(path, m_fileType, static_cast<int>(m_samplesPerSec), m_channels, m_quality);
+    FileSink sink(writer, piece, renderedBytes);
+    const int u = BlocksPerDit(m_wordsPerMinute);
+    for (const char c : m_text) {
+        if (opened && sink.Writing()) {
+            Emit(sink, c, u, true);
+        } else {
+            Step();
+        }
+    }
+    if (!opened || !sink.Finish() || !writer.Close()) {
+        m_lastError = writer.Error();
+    }
 }

@@ -5,7 +5,9 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "sound/CSoundFileWriter.h"
 #include "sound/IRecordingGate.h"
 
 class INotifyTarget;
@@ -34,6 +36,11 @@ public:
     void SetNotifyWindow(INotifyTarget* notify);
     void SetFileName(std::string_view fileName);
     void SetFolder(std::string_view folder);  ///< prefixed as it is, so it ends in a separator
+
+    /// Wave (the default) is written by this class, byte for byte as it always was; the other
+    /// types encode the same samples through libsndfile with the quality given.
+    void SetFileType(SoundFileType type) { m_fileType = type; }
+    void SetQuality(const SoundFileQuality& quality) { m_quality = quality; }
 
     /// Without a gate generation needs no sound device at all.
     void SetRecordingGate(IRecordingGate* gate);
@@ -86,6 +93,8 @@ private:
     template <class Sink>
     void Emit(Sink& sink, char c, int blocksPerDit, bool step) const;
     void Step() const;
+    void WriteEncoded(const std::string& path, std::vector<std::byte>& piece,
+                      std::int64_t renderedBytes);
 
     INotifyTarget* m_notify = nullptr;
     IProgressCtrl* m_progress = nullptr;
@@ -101,6 +110,9 @@ private:
     std::uint16_t m_bitsPerSample = 16;
     std::uint16_t m_channels = 1;
     std::uint16_t m_formatTag = 1;
+
+    SoundFileType m_fileType = SoundFileType::kWave;
+    SoundFileQuality m_quality;
 
     IRecordingGate* m_gate = nullptr;
     std::string m_lastError;

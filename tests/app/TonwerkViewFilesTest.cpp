@@ -3,6 +3,7 @@
 // recording input, and what is played at its sink is what the recorder hears.
 #include <QAction>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
@@ -10,6 +11,7 @@
 #include <QProcess>
 #include <QSignalSpy>
 #include <QSlider>
+#include <QSpinBox>
 #include <QTextEdit>
 #include <cerrno>
 #include <cmath>
@@ -395,6 +397,45 @@ private slots:
         QVERIFY(RecordButton()->isEnabled());
     }
 
+    // Generate File and the recording take the type from the extension or the type box; the
+    // quality chosen is remembered for both.
+    void soundFileTypesAndTheRememberedQuality() {
+        Control<QTextEdit>(1002)->setPlainText(QStringLiteral("PARIS"));
+        const QString folder = TempPath(QStringLiteral("types"));
+        QVERIFY(QDir().mkpath(folder));
+        QSignalSpy finished(&View(), &CTonwerkView::AppMessage);
+        CModalSeam::QueueFileName(folder + QStringLiteral("/lesson.ogg"));
+        GenerateFile();
+        QTRY_COMPARE(finished.count(), 1);
+        QCOMPARE(ReadAll(folder + QStringLiteral("/lesson.ogg")).left(4), QByteArray("OggS"));
+        CModalSeam::QueueFileName(folder + QStringLiteral("/lesson.txt"));
+        GenerateFile();
+        QCOMPARE(CModalSeam::Messages().size(), 1);
+        QVERIFY(CModalSeam::Messages().constFirst().contains(QStringLiteral("lesson.txt")));
+        CModalSeam::Reset();
+
+        // The type box gives a bare name its extension; the quality box follows the type.
+        Profile().WriteInt("SoundFile", "Mp3BitRate", 48);
+        int shownBitRate = 0;
+        CWaveFileDlg::SetDriver([&](CWaveFileDlg& dialog) {
+            dialog.TypeCombo()->setCurrentIndex(1);
+            emit dialog.TypeCombo()->activated(1);
+            shownBitRate = dialog.QualitySpin()->value();
+            dialog.FileNameEdit()->setText(QStringLiteral("session"));
+            dialog.FolderEdit()->setText(folder);
+            dialog.TypeCombo()->setCurrentIndex(2);
+            emit dialog.TypeCombo()->activated(2);
+            dialog.QualitySpin()->setValue(3);
+            dialog.accept();
+            return dialog.result();
+        });
+        RecordToneSession();
+        QCOMPARE(shownBitRate, 48);
+        QCOMPARE(ReadAll(folder + QStringLiteral("/session.ogg")).left(4), QByteArray("OggS"));
+        QCOMPARE(Profile().GetInt("SoundFile", "Quality", -1), 3);
+        QCOMPARE(QDir(folder).entryList(QDir::Files), (QStringList{"lesson.ogg", "session.ogg"}));
+    }
+
     void dialogTexts() {
         CWaveFileDlg dialog(Profile());
         dialog.m_fileName = QStringLiteral("a.wav");
@@ -406,7 +447,7 @@ private slots:
         for (const QLabel* label : dialog.findChildren<QLabel*>()) {
             labels.append(label->text());
         }
-        QCOMPARE(labels, (QStringList{"File Name:", "Folder Name:",
+        QCOMPARE(labels, (QStringList{"File Name:", "Folder Name:", "File Type:", "Quality:",
                                       "Output Audio Format is: PCM 44.100 kHz, 16 Bit, Mono"}));
         QCOMPARE(dialog.RememberCheck()->text(),
                  QStringLiteral("Remember these Settings and don't ask again please"));

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <random>
 #include <sstream>
@@ -113,7 +114,7 @@ TEST(CommandLineTool, HelpAndVersion) {
     const Result help = RunTool({"--help"});
     EXPECT_EQ(help.status, 0);
     for (const char* command :
-         {"encode", "decode", "estimate", "random", "callsigns", "wav", "play"}) {
+         {"encode", "decode", "estimate", "random", "callsigns", "wav", "render", "play"}) {
         EXPECT_NE(help.out.find(command), std::string::npos) << command;
         const Result one = RunTool({command, "--help"});
         EXPECT_EQ(one.status, 0);
@@ -165,6 +166,72 @@ TEST(CommandLineTool, WavReportsBadNumbersAndUnwritableFiles) {
     const Result full = RunTool({"wav", "--wpm", "12", "-o", "/dev/full", "PARIS"});
     EXPECT_EQ(full.status, 1);
     EXPECT_NE(full.err.find("cannot write /dev/full"), std::string::npos) << full.err;
+}
+
+TEST(CommandLineTool, RenderPicksTheTypeAndLeavesNothingBehindOnFailure) {
+    const std::string folder = ::testing::TempDir() + "tonwerk-cli-render/";
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder);
+    const auto render = [&](std::vector<std::string> options) {
+        options.insert(options.begin(), {"render", "--wpm", "20"});
+        options.emplace_back("PARIS");
+        return RunTool(options);
+    };
+
+    // The type from the extension or the option; a WAV file is the wav command's.
+    const struct {
+        std::vector<std::string> options;
+        std::string file;
+        std::string magic;
+    } written[] = {
+        {{"-o", folder + "a.ogg"}, "a.ogg", "OggS"},
+        {{"--format", "Opus", "--quality", "2", "-o", folder + "a.bin"}, "a.bin", "OggS"},
+        {{"-o", folder + "a.FLAC"}, "a.FLAC", "fLaC"},
+        {{"--quality", "32", "-o", folder + "a.mp3"}, "a.mp3", "\xFF"},  // a frame
+        {{"-o", folder + "a.wav"}, "a.wav", "RIFF"},
+    };
+    for (const auto& w : written) {
+        const Result r = render(w.options);
+        EXPECT_EQ(r.status, 0) << w.file << ": " << r.err;
+        EXPECT_EQ(ReadFile(folder + w.file).substr(0, w.magic.size()), w.magic) << w.file;
+    }
+    EXPECT_EQ(RunTool({"wav", "--wpm", "20", "-o", folder + "b.wav", "PARIS"}).status, 0);
+    EXPECT_EQ(ReadFile(folder + "a.wav"), ReadFile(folder + "b.wav"));
+    // Without --quality the profile's MP3 bit rate holds: half of a.mp3's, about half its size.
+    CMemoryProfile profile;
+    profile.WriteInt("SoundFile", "Mp3BitRate", 16);
+    const Result q =
+        RunTool({"render", "--wpm", "20", "-o", folder + "q.mp3", "PARIS"}, {}, &profile);
+    EXPECT_EQ(q.status, 0) << q.err;
+    EXPECT_LT(ReadFile(folder + "q.mp3").size() * 10, ReadFile(folder + "a.mp3").size() * 6);
+
+    // One line and status 1 for a type or a place that cannot be written, 2 for wrong usage.
+    const struct {
+        std::vector<std::string> options;
+        int status;
+        std::string message;
+    } failing[] = {
+        {{"-o", folder + "c.xyz"}, 1, "cannot tell the file type of " + folder + "c.xyz"},
+        {{"-o", folder + "c"}, 1, "cannot tell the file type"},
+        {{"--format", "aac", "-o", folder + "c.ogg"}, 1, "unknown file type 'aac'"},
+        {{"-o", folder + "no/such/c.opus"}, 1, "cannot create " + folder + "no/such/c.opus"},
+        {{"--format", "mp3", "-o", "/dev/full"}, 1, "cannot write /dev/full"},
+        {{"--quality", "11", "-o", folder + "c.ogg"}, 2, "--quality takes a whole number"},
+        {{"--quality", "400", "-o", folder + "c.mp3"}, 2, "--quality takes a whole number"},
+    };
+    for (const auto& f : failing) {
+        const Result r = render(f.options);
+        EXPECT_EQ(r.status, f.status) << f.message;
+        EXPECT_NE(r.err.find(f.message), std::string::npos) << r.err;
+        EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
+    }
+    std::size_t files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        EXPECT_NE(entry.path().filename().string()[0], 'c') << entry.path();
+        ++files;
+    }
+    EXPECT_EQ(files, std::size(written) + 2);
+    std::filesystem::remove_all(folder);
 }
 
 TEST(CommandLineTool, PlayPrintsEachCharacterAsItIsSent) {
