@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "model/CodePatterns.h"
+
 namespace {
 
 // The first band reaches this many diagonals beyond the lengths' difference either side.
@@ -132,7 +134,7 @@ std::string CCopyScorer::Normalize(std::string_view text) {
     std::string result;
     result.reserve(text.size());
     bool pendingBlank = false;
-    for (const char c : text) {
+    for (const char c : ToUpperAscii(text)) {
         if (IsBlank(c)) {
             pendingBlank = !result.empty();
             continue;
@@ -141,7 +143,7 @@ std::string CCopyScorer::Normalize(std::string_view text) {
             result += ' ';
             pendingBlank = false;
         }
-        result += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+        result += c;
     }
     return result;
 }
